@@ -56,9 +56,9 @@ TOOLBOX_EXPORT void SetClip(RgnHandle region);
 
 /* For hosts ------------------------------------------------------------------------------- */
 
-/* Makes the port of a window: 32 bits a pixel, white, origin at the bounds' top left, which is
- * also its place on the screen. memFullErr without memory, paramErr for empty bounds. The host
- * owns and presents it. */
+/* Makes the port of a window that stands at `bounds` on the screen: 32 bits a pixel, white, its
+ * own coordinates starting with 0,0 at the top left. memFullErr without memory, paramErr for
+ * bounds that are empty or wider or higher than 32767. The host owns and presents it. */
 TOOLBOX_EXPORT OSErr CreateWindowPort(const Rect* bounds, CGrafPtr* port);
 TOOLBOX_EXPORT void DisposeWindowPort(CGrafPtr port);
 /* The port's pixels: address of its top-left pixel and bytes from one row to the next. The memory
