@@ -16,11 +16,10 @@
 #ifndef VORN_PLUGIN_ABI_H
 #define VORN_PLUGIN_ABI_H
 
+#include "src/util/Export.h"
 #include "toolbox/drag/Drag.h"
 #include "toolbox/events/Events.h"
 #include "toolbox/foundation/Foundation.h"
-
-#define VORN_EXPORT __attribute__((visibility("default")))
 
 TOOLBOX_BEGIN_DECLS
 
