@@ -194,10 +194,10 @@ void SetHandleSize(Handle handle, Size size)
         gMemError = handle == nullptr ? nilHandleErr : paramErr;
         return;
     }
-    gMemError = ResizeBlock(BlockOf(handle), size);
     if (gScramble) {
         MoveUnlockedBlocks();
     }
+    gMemError = ResizeBlock(BlockOf(handle), size);
 }
 
 OSErr MemError(void)

@@ -1,0 +1,527 @@
+// SPDX-License-Identifier: MIT
+#include "toolbox/threads/Threads.h"
+
+#include "toolbox/Errors.h"
+#include "toolbox/probe/Probe.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <sys/resource.h>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+using Body = std::function<void()>;
+
+void* RunBody(void* param)
+{
+    (*static_cast<Body*>(param))();
+    return param;
+}
+
+// Each test leaves no thread behind.
+class Threads : public testing::Test
+{
+protected:
+    void TearDown() override
+    {
+        while (CountLiveObjects(kLiveThreads) > 0 && YieldToAnyThread() == noErr) {
+        }
+    }
+
+    ThreadID Start(Body body, Size stackSize = 0, void** result = nullptr)
+    {
+        bodies_.push_back(std::make_unique<Body>(std::move(body)));
+        ThreadID thread = kNoThreadID;
+        EXPECT_EQ(noErr, NewThread(kCooperativeThread, NewThreadEntryUPP(RunBody),
+                                   bodies_.back().get(), stackSize, 0, result, &thread));
+        return thread;
+    }
+
+    // A thread that yields for ever and counts the releases of what its frame owns.
+    ThreadID StartOwner(int& released)
+    {
+        return Start([&released] {
+            const std::shared_ptr<void> owned(nullptr, [&released](void*) { ++released; });
+            for (;;) {
+                YieldToAnyThread();
+            }
+        });
+    }
+
+    std::vector<std::unique_ptr<Body>> bodies_;
+    std::string log_;
+};
+
+ThreadID CurrentThread()
+{
+    ThreadID thread = kNoThreadID;
+    EXPECT_EQ(noErr, GetCurrentThread(&thread));
+    return thread;
+}
+
+bool Exists(ThreadID thread)
+{
+    ThreadState state = 0;
+    return GetThreadState(thread, &state) == noErr;
+}
+
+TEST_F(Threads, StartWithTheApplicationThread)
+{
+    EXPECT_EQ(ThreadID{kApplicationThreadID}, CurrentThread());
+}
+
+TEST_F(Threads, RunOnlyWhenSomeoneYields)
+{
+    bool ran = false;
+    Start([&] { ran = true; });
+    EXPECT_FALSE(ran);
+    YieldToAnyThread();
+    EXPECT_TRUE(ran);
+}
+
+TEST_F(Threads, YieldReturnsAtOnceWhenNothingElseIsReady)
+{
+    EXPECT_EQ(noErr, YieldToAnyThread());
+}
+
+TEST_F(Threads, EveryOtherReadyThreadGetsOneTurnBeforeTheYielderRunsAgain)
+{
+    for (const char name : {'a', 'b', 'c'}) {
+        Start([this, name] {
+            for (int turn = 0; turn < 2; ++turn) {
+                log_ += name;
+                YieldToAnyThread();
+            }
+        });
+    }
+    YieldToAnyThread();
+    EXPECT_EQ("abc", log_);
+    YieldToAnyThread();
+    EXPECT_EQ("abcabc", log_);
+}
+
+TEST_F(Threads, AThreadMadeByAThreadGetsItsTurnInTheSameRound)
+{
+    Start([this] {
+        log_ += "maker ";
+        Start([this] { log_ += "made"; });
+    });
+    YieldToAnyThread();
+    EXPECT_EQ("maker made", log_);
+}
+
+TEST_F(Threads, IdentifiersAreNeverUsedTwice)
+{
+    std::vector<ThreadID> seen;
+    for (int round = 0; round < 50; ++round) {
+        seen.push_back(Start([] {}));
+        YieldToAnyThread();
+    }
+    std::sort(seen.begin(), seen.end());
+    EXPECT_EQ(seen.end(), std::adjacent_find(seen.begin(), seen.end()));
+    EXPECT_GT(seen.front(), ThreadID{kApplicationThreadID});
+}
+
+TEST_F(Threads, GetCurrentThreadTellsWhoRuns)
+{
+    ThreadID inside = kNoThreadID;
+    const ThreadID made = Start([&] { inside = CurrentThread(); });
+    YieldToAnyThread();
+    EXPECT_EQ(made, inside);
+}
+
+TEST_F(Threads, OnlyTheCurrentThreadIsInRunningState)
+{
+    ThreadState application = 99;
+    ThreadState own = 99;
+    const ThreadID made = Start([&] {
+        GetThreadState(kApplicationThreadID, &application);
+        GetThreadState(kCurrentThreadID, &own);
+    });
+    ThreadState suspended = 99;
+    EXPECT_EQ(noErr, GetThreadState(made, &suspended));
+    YieldToAnyThread();
+    EXPECT_EQ(kReadyThreadState, suspended);
+    EXPECT_EQ(kReadyThreadState, application);
+    EXPECT_EQ(kRunningThreadState, own);
+    EXPECT_EQ(noErr, GetThreadState(kApplicationThreadID, &application));
+    EXPECT_EQ(kRunningThreadState, application);
+}
+
+TEST_F(Threads, AFinishedThreadIsNotFound)
+{
+    const ThreadID made = Start([] {});
+    YieldToAnyThread();
+    ThreadState state = 0;
+    EXPECT_EQ(threadNotFoundErr, GetThreadState(made, &state));
+    EXPECT_EQ(threadNotFoundErr, DisposeThread(made, nullptr, false));
+}
+
+TEST_F(Threads, TheEntrysResultIsStored)
+{
+    void* result = nullptr;
+    Start([] {}, 0, &result);
+    YieldToAnyThread();
+    EXPECT_EQ(bodies_.back().get(), result);
+}
+
+TEST_F(Threads, AnotherStyleThanCooperativeIsRefused)
+{
+    ThreadID thread = 77;
+    EXPECT_EQ(paramErr, NewThread(2, RunBody, nullptr, 0, 0, nullptr, &thread));
+    EXPECT_EQ(77U, thread);
+}
+
+TEST_F(Threads, NoAddressSpaceForTheStackGivesMemFullErr)
+{
+    rlimit before{};
+    getrlimit(RLIMIT_AS, &before);
+    rlimit none = before;
+    none.rlim_cur = 1 << 20;
+    setrlimit(RLIMIT_AS, &none);
+    ThreadID thread = 77;
+    const OSErr err = NewThread(kCooperativeThread, RunBody, nullptr, 1 << 28, 0, nullptr, &thread);
+    setrlimit(RLIMIT_AS, &before);
+    EXPECT_EQ(memFullErr, err);
+    EXPECT_EQ(77U, thread);
+    EXPECT_EQ(0, CountLiveObjects(kLiveThreads));
+}
+
+TEST_F(Threads, AnExceptionThatLeavesTheEntryEndsTheThreadAlone)
+{
+    const ThreadID made = Start([] { throw std::runtime_error("lost"); });
+    YieldToAnyThread();
+    EXPECT_FALSE(Exists(made));
+}
+
+TEST_F(Threads, TheStatisticsOwnerIsInheritedFromTheMaker)
+{
+    int owner = 0;
+    int other = 0;
+    void* inherited = nullptr;
+    SetStatisticsOwner(&owner);
+    Start([&] {
+        inherited = GetStatisticsOwner();
+        SetStatisticsOwner(&other);
+    });
+    SetStatisticsOwner(nullptr);
+    YieldToAnyThread();
+    EXPECT_EQ(&owner, inherited);
+    EXPECT_EQ(nullptr, GetStatisticsOwner());
+}
+
+TEST_F(Threads, EachKeepsItsErrno)
+{
+    int seen = 0;
+    Start([&] {
+        errno = ENOSPC;
+        YieldToAnyThread();
+        seen = errno;
+    });
+    errno = EBADF;
+    YieldToAnyThread();
+    EXPECT_EQ(EBADF, errno);
+    YieldToAnyThread();
+    EXPECT_EQ(ENOSPC, seen);
+}
+
+TEST_F(Threads, YieldingInsideCatchBlocksEachRethrowsItsOwnValue)
+{
+    std::vector<OSErr> rethrown;
+    for (const OSErr mine : {OSErr{-39}, OSErr{1207}}) {
+        Start([&rethrown, mine] {
+            try {
+                try {
+                    throw mine;
+                } catch (OSErr) {
+                    YieldToAnyThread();
+                    throw;
+                }
+            } catch (OSErr caught) {
+                rethrown.push_back(caught);
+            }
+        });
+    }
+    YieldToAnyThread();
+    YieldToAnyThread();
+    EXPECT_EQ((std::vector<OSErr>{-39, 1207}), rethrown);
+}
+
+// The catch blocks here end in another order than they began.
+TEST_F(Threads, OverlappingCatchBlocksLeaveNoExceptionBehind)
+{
+    Start([] {
+        try {
+            throw OSErr{-39};
+        } catch (OSErr) {
+            YieldToAnyThread();
+        }
+    });
+    try {
+        throw std::string("application");
+    } catch (const std::string& text) {
+        YieldToAnyThread();
+        YieldToAnyThread();
+        EXPECT_EQ("application", text);
+        EXPECT_THROW(throw, std::string);
+    }
+    EXPECT_EQ(nullptr, std::current_exception());
+}
+
+TEST_F(Threads, AThreadStartedDuringUnwindingSeesNoExceptionInFlight)
+{
+    struct YieldsNothingButStarts {
+        std::function<void()> start;
+        ~YieldsNothingButStarts() { start(); }
+    };
+    int inFlight = -1;
+    const ThreadID victim = Start([&] {
+        const std::shared_ptr<void> owned(nullptr,
+                                          [&](void*) { inFlight = std::uncaught_exceptions(); });
+        for (;;) {
+            YieldToAnyThread();
+        }
+    });
+    YieldToAnyThread();
+    try {
+        const YieldsNothingButStarts disposer{[&] { DisposeThread(victim, nullptr, false); }};
+        throw OSErr{-1};
+    } catch (OSErr) {
+    }
+    EXPECT_EQ(1, inFlight); // its own disposal, not the application thread's
+}
+
+TEST_F(Threads, DisposalReleasesWhatTheFramesOwnBeforeItReturns)
+{
+    int released = 0;
+    const ThreadID owner = StartOwner(released);
+    YieldToAnyThread();
+    EXPECT_EQ(noErr, DisposeThread(owner, nullptr, false));
+    EXPECT_EQ(1, released);
+    EXPECT_EQ(0, CountLiveObjects(kLiveThreads));
+    EXPECT_FALSE(Exists(owner));
+}
+
+TEST_F(Threads, DisposalIsThrownAgainBehindEveryBarrierThatSwallowsIt)
+{
+    int released = 0;
+    int barriers = 0;
+    const ThreadID stubborn = Start([&] {
+        const std::shared_ptr<void> owned(nullptr, [&](void*) { ++released; });
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            try {
+                YieldToAnyThread();
+                log_ += "yielded";
+            } catch (...) {
+                ++barriers;
+            }
+        }
+    });
+    YieldToAnyThread();
+    EXPECT_EQ(noErr, DisposeThread(stubborn, nullptr, false));
+    EXPECT_EQ(3, barriers);
+    EXPECT_EQ(1, released);
+    EXPECT_EQ("", log_);
+}
+
+TEST_F(Threads, DisposalIsNoExceptionOfTheStandardLibrary)
+{
+    const ThreadID thread = Start([&] {
+        try {
+            YieldToAnyThread();
+        } catch (const std::exception&) {
+            log_ = "standard";
+        } catch (OSErr) {
+            log_ = "code";
+        } catch (...) {
+            log_ = "other";
+            throw;
+        }
+    });
+    YieldToAnyThread();
+    DisposeThread(thread, nullptr, false);
+    EXPECT_EQ("other", log_);
+}
+
+TEST_F(Threads, AThreadThatNeverRanIsDropped)
+{
+    bool ran = false;
+    const ThreadID thread = Start([&] { ran = true; });
+    EXPECT_EQ(noErr, DisposeThread(thread, nullptr, false));
+    YieldToAnyThread();
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(0, CountLiveObjects(kLiveThreads));
+}
+
+TEST_F(Threads, DisposalStoresTheResultItWasGiven)
+{
+    int value = 0;
+    void* suspendedResult = nullptr;
+    void* freshResult = nullptr;
+    const ThreadID suspended = Start(
+        [] {
+            try {
+                YieldToAnyThread();
+            } catch (...) {
+                return; // the entry then returns a result of its own
+            }
+        },
+        0, &suspendedResult);
+    YieldToAnyThread();
+    const ThreadID fresh = Start([] {}, 0, &freshResult);
+    DisposeThread(suspended, &value, false);
+    DisposeThread(fresh, &value, false);
+    EXPECT_EQ(&value, suspendedResult);
+    EXPECT_EQ(&value, freshResult);
+}
+
+TEST_F(Threads, TheCurrentThreadDisposesOfItselfAtOnce)
+{
+    for (const bool byAlias : {true, false}) {
+        log_.clear();
+        Start([this, byAlias] {
+            const std::shared_ptr<void> owned(nullptr, [this](void*) { log_ += " released"; });
+            log_ += "before";
+            DisposeThread(byAlias ? ThreadID{kCurrentThreadID} : CurrentThread(), nullptr, false);
+            log_ += " after";
+        });
+        YieldToAnyThread();
+        EXPECT_EQ("before released", log_);
+    }
+}
+
+TEST_F(Threads, TheApplicationThreadIsNotDisposedOf)
+{
+    EXPECT_EQ(threadProtocolErr, DisposeThread(kApplicationThreadID, nullptr, false));
+    EXPECT_EQ(threadProtocolErr, DisposeThread(kCurrentThreadID, nullptr, false));
+}
+
+TEST_F(Threads, OneThreadMayDisposeOfAnother)
+{
+    int released = 0;
+    OSErr err = -1;
+    ThreadID after = kNoThreadID;
+    const ThreadID owner = StartOwner(released);
+    YieldToAnyThread();
+    const ThreadID disposer = Start([&] {
+        err = DisposeThread(owner, nullptr, false);
+        after = CurrentThread();
+    });
+    YieldToAnyThread();
+    EXPECT_EQ(noErr, err);
+    EXPECT_EQ(1, released);
+    EXPECT_EQ(disposer, after);
+}
+
+TEST_F(Threads, ADestructorInADisposedThreadMayDisposeOfTheNext)
+{
+    int released = 0;
+    const ThreadID inner = StartOwner(released);
+    const ThreadID outer = Start([&] {
+        const std::shared_ptr<void> owned(nullptr,
+                                          [&](void*) { DisposeThread(inner, nullptr, false); });
+        for (;;) {
+            YieldToAnyThread();
+        }
+    });
+    YieldToAnyThread();
+    EXPECT_EQ(noErr, DisposeThread(outer, nullptr, false));
+    EXPECT_EQ(1, released);
+    EXPECT_EQ(0, CountLiveObjects(kLiveThreads));
+}
+
+TEST_F(Threads, ADisposedThreadCannotDisposeOfItsDisposer)
+{
+    ThreadID disposer = kNoThreadID;
+    OSErr err = noErr;
+    const ThreadID victim = Start([&] {
+        const std::shared_ptr<void> owned(
+            nullptr, [&](void*) { err = DisposeThread(disposer, nullptr, false); });
+        for (;;) {
+            YieldToAnyThread();
+        }
+    });
+    disposer = Start([&] { DisposeThread(victim, nullptr, false); });
+    YieldToAnyThread();
+    EXPECT_EQ(threadProtocolErr, err);
+}
+
+TEST_F(Threads, TenThousandMayLiveAtOnce)
+{
+    int ran = 0;
+    for (int made = 0; made < 10000; ++made) {
+        Start([&ran] {
+            YieldToAnyThread();
+            ++ran;
+        });
+    }
+    YieldToAnyThread();
+    EXPECT_EQ(10000, CountLiveObjects(kLiveThreads));
+    YieldToAnyThread();
+    EXPECT_EQ(10000, ran);
+    EXPECT_EQ(0, CountLiveObjects(kLiveThreads));
+}
+
+// Touches `bytes` of stack below its caller.
+void UseStack(size_t bytes)
+{
+    volatile char page[1024];
+    page[0] = 1;
+    if (bytes > sizeof page) {
+        UseStack(bytes - sizeof page);
+    }
+    page[1] = page[0]; // or the call above becomes a loop
+}
+
+TEST_F(Threads, TheStackSizeIsAMinimum)
+{
+    bool done = false;
+    Start(
+        [&] {
+            UseStack(200 * 1024);
+            done = true;
+        },
+        65536);
+    Start([&] { UseStack(900 * 1024); }, 1 << 20);
+    YieldToAnyThread();
+    EXPECT_TRUE(done);
+}
+
+// The second stack lies right below the first, so that only the guard page stands in the way.
+TEST_F(Threads, AnOverflowingStackStopsAtItsGuardPage)
+{
+    EXPECT_DEATH(
+        {
+            Start([] { UseStack(300 * 1024); });
+            Start([] {});
+            YieldToAnyThread();
+        },
+        "");
+}
+
+TEST_F(Threads, AFailingYieldGivesNobodyATurn)
+{
+    bool ran = false;
+    Start([&] { ran = true; });
+    SetToolboxObserver(
+        [](const char* operation, void*) {
+            return std::strcmp(operation, "YieldToAnyThread") == 0 ? OSErr{-50} : OSErr{0};
+        },
+        nullptr);
+    EXPECT_EQ(-50, YieldToAnyThread());
+    SetToolboxObserver(nullptr, nullptr);
+    EXPECT_FALSE(ran);
+}
+
+} // namespace
