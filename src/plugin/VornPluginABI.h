@@ -61,11 +61,11 @@ typedef struct VornPluginHostCalls {
     OSErr (*decodedChunk)(VornPlugin* object, SInt16 first, SInt16 end);
     /* Copies up to *count bytes of the object from `offset` on to `buffer` and writes the number
      * copied into *count, the length known so far into *dataSize and whether that is final into
-     * *dataComplete. A null buffer with a count of 0 only asks for these two. 0 on success, also
-     * with fewer bytes than asked for; kDataNotAvailableErr with *count 0 at the end of the data
-     * (after a failure of the source too: any other code ends rendering without a movie). While
-     * it waits it yields (YieldToAnyThread); a request of at most 4096 bytes waits for all of
-     * them or the end. */
+     * *dataComplete. A null buffer with a count of 0 only asks for these two (whatever `offset`
+     * is; it may be negative). 0 on success, also with fewer bytes than asked for;
+     * kDataNotAvailableErr with *count 0 at the end of the data (after a failure of the source too:
+     * any other code ends rendering without a movie). While it waits it yields (YieldToAnyThread);
+     * a request of at most 4096 bytes waits for all of them or the end. */
     OSErr (*getData)(VornPlugin* object, void* buffer, SInt32 offset, SInt32* count,
                      SInt32* dataSize, unsigned char* dataComplete);
     /* The length the host expects, -1 if it has no idea. Always written. */
