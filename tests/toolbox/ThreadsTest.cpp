@@ -8,8 +8,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -74,6 +74,13 @@ bool Exists(ThreadID thread)
 {
     ThreadState state = 0;
     return GetThreadState(thread, &state) == noErr;
+}
+
+size_t AddressSpaceInUse()
+{
+    size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
 
 TEST_F(Threads, StartWithTheApplicationThread)
@@ -187,11 +194,11 @@ TEST_F(Threads, NoAddressSpaceForTheStackGivesMemFullErr)
 {
     rlimit before{};
     getrlimit(RLIMIT_AS, &before);
-    rlimit none = before;
-    none.rlim_cur = 1 << 20;
-    setrlimit(RLIMIT_AS, &none);
+    rlimit tight = before;
+    tight.rlim_cur = AddressSpaceInUse() + (size_t{256} << 20);
+    setrlimit(RLIMIT_AS, &tight);
     ThreadID thread = 77;
-    const OSErr err = NewThread(kCooperativeThread, RunBody, nullptr, 1 << 28, 0, nullptr, &thread);
+    const OSErr err = NewThread(kCooperativeThread, RunBody, nullptr, 1 << 30, 0, nullptr, &thread);
     setrlimit(RLIMIT_AS, &before);
     EXPECT_EQ(memFullErr, err);
     EXPECT_EQ(77U, thread);
@@ -489,11 +496,11 @@ TEST_F(Threads, TheStackSizeIsAMinimum)
     bool done = false;
     Start(
         [&] {
-            UseStack(200 * 1024);
+            UseStack(150 * 1024);
             done = true;
         },
         65536);
-    Start([&] { UseStack(900 * 1024); }, 1 << 20);
+    Start([&] { UseStack(700 * 1024); }, 1 << 20);
     YieldToAnyThread();
     EXPECT_TRUE(done);
 }
@@ -522,6 +529,8 @@ TEST_F(Threads, AFailingYieldGivesNobodyATurn)
     EXPECT_EQ(-50, YieldToAnyThread());
     SetToolboxObserver(nullptr, nullptr);
     EXPECT_FALSE(ran);
+    YieldToAnyThread();
+    EXPECT_TRUE(ran);
 }
 
 } // namespace
