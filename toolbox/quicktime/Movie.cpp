@@ -1,0 +1,268 @@
+// SPDX-License-Identifier: MIT
+#include "toolbox/quicktime/Movie.h"
+
+#include "toolbox/Errors.h"
+#include "toolbox/probe/Announce.h"
+#include "toolbox/quickdraw/Drawing.h"
+
+#include <algorithm>
+
+using namespace toolbox;
+
+namespace
+{
+
+// How much one slice takes in: enough to keep up with any arrival, little enough to be over soon.
+constexpr SInt64 kBytesPerSlice = 256 * 1024;
+constexpr int kPacketsPerSlice = 256;
+// A systems stream that has shown no picture after this much has only sound.
+constexpr SInt64 kSoundAloneAfter = 256 * 1024;
+constexpr SInt64 kEverything = INT32_MAX;
+
+class BusyMark
+{
+public:
+    explicit BusyMark(bool& flag) : flag_(flag) { flag_ = true; }
+    ~BusyMark() { flag_ = false; }
+    BusyMark(const BusyMark&) = delete;
+    BusyMark& operator=(const BusyMark&) = delete;
+
+private:
+    bool& flag_;
+};
+
+} // namespace
+
+MovieRecord::MovieRecord(std::unique_ptr<DataHandlerClient> handler, void* owner)
+    : handler_(std::move(handler)), index_(std::make_unique<MovieIndex>(*handler_)),
+      play_(std::make_unique<MovieStream>(*handler_)), owner_(owner)
+{
+    CountInLedger(kLiveMovies, 1);
+}
+
+// The data handler may still hold requests for the streams' blocks: the fibers end first, then
+// the data handler goes with its requests, then the blocks.
+MovieRecord::~MovieRecord()
+{
+    Stop();
+    CloseSound();
+    DisposeRgn(clip_);
+    handler_.reset();
+    CountInLedger(kLiveMovies, -1);
+}
+
+void MovieRecord::Stop()
+{
+    isStopped_ = true;
+    Pause();
+    index_->Stream().Stop();
+    play_->Stop();
+}
+
+void MovieRecord::Slice()
+{
+    if (isBusy_ || isStopped_) {
+        return;
+    }
+    const BusyMark mark(isBusy_);
+    index_->TakeIn(kBytesPerSlice);
+    OpenSome(kPacketsPerSlice);
+    if (isPlaying_) {
+        PlayDue();
+    }
+    DrawIfNew();
+}
+
+void MovieRecord::OpenCompletely()
+{
+    const BusyMark mark(isBusy_);
+    OpenSome(INT32_MAX);
+}
+
+void MovieRecord::TakeInAll()
+{
+    if (!isBusy_ && !isStopped_) {
+        const BusyMark mark(isBusy_);
+        index_->TakeIn(kEverything);
+    }
+}
+
+void MovieRecord::OpenSome(int mostPackets)
+{
+    for (int i = 0; i < mostPackets && !isPlayable_ && status_ == noErr; ++i) {
+        const Step step = PullPacket();
+        if (CanShowOrPlay(step)) {
+            BecomePlayable();
+        } else if (step == Step::kWaiting) {
+            return;
+        } else if (step != Step::kPacket) {
+            Fail(noMovieFound);
+        }
+    }
+}
+
+MovieRecord::Step MovieRecord::PullPacket()
+{
+    if (dataEnded_) {
+        return Step::kEnded;
+    }
+    const Step step = play_->Advance();
+    outOfBytes_ = step == Step::kWaiting;
+    if (step == Step::kPacket) {
+        Dispatch(play_->Packet(), play_->StreamOfPacket());
+    } else if (step != Step::kWaiting) {
+        EndTracks();
+    }
+    return step;
+}
+
+// The first stream of pictures and the first of sound make the movie.
+void MovieRecord::Dispatch(AVPacket& packet, const AVStream& stream)
+{
+    const AVMediaType type = stream.codecpar->codec_type;
+    const StreamKind kind = play_->Start().kind;
+    if ((stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0 ||
+        (type != AVMEDIA_TYPE_VIDEO && type != AVMEDIA_TYPE_AUDIO)) {
+        return;
+    }
+    if (!hasTimeline_) {
+        timeline_ = TimelineFor(kind, begin_);
+        hasTimeline_ = true;
+    }
+    const int index = packet.stream_index;
+    timeline_.Place(packet, stream.time_base);
+    if (type == AVMEDIA_TYPE_VIDEO && videoStream_ < 0) {
+        video_ = VideoTrack::Create(stream, packet, kind != StreamKind::kVideo, begin_.time);
+        videoStream_ = video_ ? index : -1;
+    } else if (type == AVMEDIA_TYPE_AUDIO && audioStream_ < 0) {
+        audio_ = AudioTrack::Create(stream, packet);
+        audioStream_ = audio_ ? index : -1;
+    }
+    if (video_ && index == videoStream_) {
+        video_->Add(packet);
+    } else if (audio_ && index == audioStream_) {
+        audio_->Add(packet);
+    }
+}
+
+void MovieRecord::EndTracks()
+{
+    dataEnded_ = true;
+    if (video_) {
+        video_->EndData();
+    }
+    if (audio_) {
+        audio_->EndData();
+    }
+}
+
+// Whether a picture, or sound if there are no pictures, can be had from the packets so far.
+bool MovieRecord::CanShowOrPlay(Step step)
+{
+    const bool isLast = step != Step::kPacket && step != Step::kWaiting;
+    if (video_) {
+        if (video_->ShowFirst()) {
+            return true;
+        }
+        if (isLast && video_->DecodeNext() == VideoTrack::Step::kPicture) {
+            video_->TakeNext();
+            return true;
+        }
+    }
+    const bool soundIsAll = isLast || (!video_ && (play_->Start().kind == StreamKind::kAudio ||
+                                                   play_->BytesTaken() > kSoundAloneAfter));
+    return audio_ && soundIsAll && audio_->DecodeSome() == AudioTrack::Step::kSound &&
+           audio_->Start() != kNoTime;
+}
+
+void MovieRecord::BecomePlayable()
+{
+    isPlayable_ = true;
+    const bool isSoundAlone = !video_ || video_->Current() == nullptr;
+    if (isSoundAlone) {
+        video_.reset();
+    }
+    beginning_ = isSoundAlone ? audio_->Start() : timeline_.First();
+    time_ = beginning_;
+}
+
+void MovieRecord::Fail(OSErr status)
+{
+    if (!isStopped_) {
+        status_ = status;
+    }
+}
+
+SInt32 MovieRecord::LoadState() const
+{
+    if (status_ != noErr) {
+        return kMovieLoadStateError;
+    }
+    if (!isPlayable_) {
+        return video_ || audio_ ? kMovieLoadStateLoaded : kMovieLoadStateLoading;
+    }
+    if (index_->IsComplete()) {
+        return kMovieLoadStateComplete;
+    }
+    const bool isAllThere = index_->Stream().Bytes().FinalSize() >= 0;
+    return isAllThere ? kMovieLoadStatePlaythroughOK : kMovieLoadStatePlayable;
+}
+
+MovieRecord::Nanoseconds MovieRecord::LoadedDuration() const
+{
+    const Nanoseconds end = index_->End();
+    return end == kNoTime ? 0 : end - index_->Start();
+}
+
+MovieRecord::Nanoseconds MovieRecord::Duration() const
+{
+    const Nanoseconds loaded = LoadedDuration();
+    if (isAnnouncedForgotten_ || index_->IsComplete()) {
+        return loaded;
+    }
+    return std::max(loaded, index_->AnnouncedLength(handler_ ? handler_->FileSize() : -1));
+}
+
+Rect MovieRecord::NaturalBox() const
+{
+    const Picture* const picture = video_ ? video_->Current() : nullptr;
+    if (picture == nullptr) {
+        return Rect{};
+    }
+    return Rect{0, 0, static_cast<SInt16>(std::min(picture->frame->height, 16383)),
+                static_cast<SInt16>(std::min(picture->frame->width, 16383))};
+}
+
+void MovieRecord::SetBox(const Rect& box)
+{
+    box_ = box;
+    hasBox_ = true;
+}
+
+void MovieRecord::SetClip(RgnHandle clip)
+{
+    DisposeRgn(clip_);
+    clip_ = CopyRegion(clip);
+}
+
+void MovieRecord::Draw()
+{
+    isDrawn_ = true;
+    Picture* const picture = video_ ? video_->Current() : nullptr;
+    if (!isActive_ || port_ == nullptr || picture == nullptr) {
+        return;
+    }
+    converter_.Draw(*picture->frame, *port_, hasBox_ ? box_ : NaturalBox(), clip_);
+    if (!picture->isShown) {
+        picture->isShown = true;
+        ++picturesShown_;
+    }
+}
+
+void MovieRecord::DrawIfNew()
+{
+    const Picture* const picture = video_ ? video_->Current() : nullptr;
+    if (isDrawn_ && picture != nullptr && !picture->isShown) {
+        Draw();
+    }
+}

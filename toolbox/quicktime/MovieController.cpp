@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: MIT
+#include "toolbox/quicktime/MovieController.h"
+
+#include "toolbox/probe/Announce.h"
+#include "toolbox/quickdraw/Drawing.h"
+#include "toolbox/quicktime/Movie.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+using namespace toolbox;
+
+namespace
+{
+
+constexpr RGBColor kBarColor = {0xDDDD, 0xDDDD, 0xDDDD};
+constexpr RGBColor kEdgeColor = {0x5555, 0x5555, 0x5555};
+constexpr RGBColor kSymbolColor = {0x1111, 0x1111, 0x1111};
+constexpr RGBColor kTroughColor = {0xFFFF, 0xFFFF, 0xFFFF};
+constexpr RGBColor kLoadedColor = {0x8888, 0xAAAA, 0xDDDD};
+constexpr RGBColor kThumbColor = {0x3333, 0x5555, 0x9999};
+constexpr SInt16 kBarOfSoundWidth = 240; // a movie without pictures has only a bar
+constexpr int kFullVolume = 256;
+constexpr int kVolumeStep = 32;
+
+bool Contains(const Rect& rect, Point at)
+{
+    return at.v >= rect.top && at.v < rect.bottom && at.h >= rect.left && at.h < rect.right;
+}
+
+bool IsEmpty(const Rect& rect)
+{
+    return rect.right <= rect.left || rect.bottom <= rect.top;
+}
+
+Rect MakeRect(int top, int left, int bottom, int right)
+{
+    return Rect{static_cast<SInt16>(top), static_cast<SInt16>(left), static_cast<SInt16>(bottom),
+                static_cast<SInt16>(right)};
+}
+
+} // namespace
+
+ControllerLayout::ControllerLayout(const Rect& bounds)
+{
+    picture = bounds;
+    picture.bottom = static_cast<SInt16>(std::max<int>(bounds.top, bounds.bottom - kBarHeight));
+    bar = bounds;
+    bar.top = picture.bottom;
+    int left = bar.left;
+    const auto nextButton = [&] {
+        const int right = std::min<int>(left + kButtonWidth, bar.right);
+        const Rect button = MakeRect(bar.top, left, bar.bottom, right);
+        left = right;
+        return button;
+    };
+    volume = nextButton();
+    play = nextButton();
+    const bool hasSteps = bar.right - left >= 4 * kButtonWidth;
+    const int sliderRight = hasSteps ? bar.right - 2 * kButtonWidth : bar.right;
+    slider = MakeRect(bar.top, left, bar.bottom, std::max(left, sliderRight));
+    left = slider.right;
+    stepBack = nextButton();
+    stepForward = nextButton();
+}
+
+SInt16 ControllerLayout::ThumbAt(double share) const
+{
+    const int travel = std::max(0, slider.right - slider.left - kThumbWidth);
+    return static_cast<SInt16>(slider.left + std::lround(std::clamp(share, 0.0, 1.0) * travel));
+}
+
+double ControllerLayout::ShareAt(SInt16 h) const
+{
+    const int travel = slider.right - slider.left - kThumbWidth;
+    if (travel <= 0) {
+        return 0;
+    }
+    return std::clamp((h - slider.left - kThumbWidth / 2.0) / travel, 0.0, 1.0);
+}
+
+MovieControllerRecord::MovieControllerRecord(Movie movie, const Rect& box)
+    : movie_(movie), layout_(box)
+{
+    Rect bounds = box;
+    if (IsEmpty(bounds)) {
+        bounds.right = static_cast<SInt16>(bounds.left + kBarOfSoundWidth);
+        bounds.bottom = bounds.top;
+    }
+    bounds.bottom = static_cast<SInt16>(bounds.bottom + ControllerLayout::kBarHeight);
+    SetBounds(bounds);
+    CountInLedger(kLiveMovieControllers, 1);
+}
+
+MovieControllerRecord::~MovieControllerRecord()
+{
+    CountInLedger(kLiveMovieControllers, -1);
+}
+
+void MovieControllerRecord::SetBounds(const Rect& bounds)
+{
+    bounds_ = bounds;
+    layout_ = ControllerLayout(bounds);
+    movie_->SetBox(layout_.picture);
+}
+
+void MovieControllerRecord::SetClip(RgnHandle clip)
+{
+    movie_->SetClip(clip);
+}
+
+void MovieControllerRecord::Draw()
+{
+    movie_->Draw();
+    DrawBar(CurrentFace());
+}
+
+void MovieControllerRecord::Idle()
+{
+    movie_->Slice();
+    const Face face = CurrentFace();
+    if (drawn_ && *drawn_ != face) {
+        DrawBar(face);
+    }
+}
+
+MovieControllerRecord::Face MovieControllerRecord::CurrentFace() const
+{
+    const double duration = static_cast<double>(std::max<SInt64>(1, movie_->Duration()));
+    const double loaded = static_cast<double>(movie_->LoadedDuration()) / duration;
+    Face face;
+    face.isPlaying = movie_->IsPlaying();
+    face.thumb = layout_.ThumbAt(static_cast<double>(movie_->Time()) / duration);
+    face.loadedEnd = static_cast<SInt16>(layout_.ThumbAt(loaded) + ControllerLayout::kThumbWidth);
+    face.volume = movie_->Volume();
+    return face;
+}
+
+void MovieControllerRecord::DrawBar(const Face& face)
+{
+    drawn_ = face;
+    if (movie_->Port() == nullptr) {
+        return;
+    }
+    CGrafPort& port = *movie_->Port();
+    const RgnHandle clip = movie_->Clip();
+    PaintRect(port, layout_.bar, kBarColor, clip);
+    PaintRect(port,
+              MakeRect(layout_.bar.top, layout_.bar.left, layout_.bar.top + 1, layout_.bar.right),
+              kEdgeColor, clip);
+    DrawVolume(face, port);
+    DrawPlay(face, port);
+    DrawSlider(face, port);
+    DrawStep(layout_.stepBack, false, port);
+    DrawStep(layout_.stepForward, true, port);
+}
+
+// A loudspeaker, and a bar that is as high as the sound is loud.
+void MovieControllerRecord::DrawVolume(const Face& face, CGrafPort& port)
+{
+    const Rect& box = layout_.volume;
+    const RgnHandle clip = movie_->Clip();
+    PaintRect(port, MakeRect(box.top + 7, box.left + 3, box.top + 10, box.left + 5), kSymbolColor,
+              clip);
+    for (int i = 0; i < 4; ++i) {
+        PaintRect(port,
+                  MakeRect(box.top + 7 - i, box.left + 5 + i, box.top + 10 + i, box.left + 6 + i),
+                  kSymbolColor, clip);
+    }
+    const int height = face.volume * 9 / kFullVolume;
+    PaintRect(port, MakeRect(box.top + 13 - height, box.left + 11, box.top + 13, box.left + 13),
+              kThumbColor, clip);
+}
+
+void MovieControllerRecord::DrawPlay(const Face& face, CGrafPort& port)
+{
+    const Rect& box = layout_.play;
+    const RgnHandle clip = movie_->Clip();
+    if (face.isPlaying) {
+        PaintRect(port, MakeRect(box.top + 4, box.left + 4, box.top + 13, box.left + 7),
+                  kSymbolColor, clip);
+        PaintRect(port, MakeRect(box.top + 4, box.left + 9, box.top + 13, box.left + 12),
+                  kSymbolColor, clip);
+        return;
+    }
+    for (int i = 0; i < 8; ++i) {
+        const int half = (8 - i) / 2;
+        PaintRect(
+            port,
+            MakeRect(box.top + 8 - half, box.left + 4 + i, box.top + 9 + half, box.left + 5 + i),
+            kSymbolColor, clip);
+    }
+}
+
+void MovieControllerRecord::DrawSlider(const Face& face, CGrafPort& port)
+{
+    const Rect& box = layout_.slider;
+    const RgnHandle clip = movie_->Clip();
+    if (box.right - box.left <= ControllerLayout::kThumbWidth) {
+        return;
+    }
+    const Rect trough = MakeRect(box.top + 6, box.left + 1, box.top + 11, box.right - 1);
+    PaintRect(port, trough, kEdgeColor, clip);
+    PaintRect(port, MakeRect(trough.top + 1, trough.left + 1, trough.bottom - 1, trough.right - 1),
+              kTroughColor, clip);
+    PaintRect(port,
+              MakeRect(trough.top + 1, trough.left + 1, trough.bottom - 1,
+                       std::min<int>(face.loadedEnd, trough.right - 1)),
+              kLoadedColor, clip);
+    PaintRect(
+        port,
+        MakeRect(box.top + 3, face.thumb, box.top + 14, face.thumb + ControllerLayout::kThumbWidth),
+        kThumbColor, clip);
+}
+
+void MovieControllerRecord::DrawStep(const Rect& box, bool isForward, CGrafPort& port)
+{
+    if (box.right - box.left < ControllerLayout::kButtonWidth) {
+        return;
+    }
+    const RgnHandle clip = movie_->Clip();
+    const int stop = isForward ? box.left + 11 : box.left + 4;
+    PaintRect(port, MakeRect(box.top + 5, stop, box.top + 12, stop + 1), kSymbolColor, clip);
+    for (int i = 0; i < 5; ++i) {
+        const int half = isForward ? 4 - i : i;
+        const int left = box.left + 5 + i;
+        PaintRect(port, MakeRect(box.top + 8 - half, left, box.top + 9 + half, left + 1),
+                  kSymbolColor, clip);
+    }
+}
+
+bool MovieControllerRecord::HandleEvent(const EventRecord& event)
+{
+    switch (event.what) {
+    case mouseDown:
+        return Press(event.where);
+    case mouseUp: {
+        const bool wasDragging = std::exchange(isDragging_, false);
+        if (wasDragging && wasPlaying_) {
+            movie_->Play();
+        }
+        return wasDragging || Contains(bounds_, event.where);
+    }
+    case osEvt:
+        if (isDragging_) {
+            DragTo(event.where);
+        }
+        return isDragging_;
+    case keyDown:
+    case autoKey:
+        return HandleKey(static_cast<char>(event.message & 0xFF));
+    default:
+        return false;
+    }
+}
+
+bool MovieControllerRecord::Press(Point at)
+{
+    if (!Contains(bounds_, at)) {
+        return false;
+    }
+    if (Contains(layout_.play, at) || Contains(layout_.picture, at)) {
+        TogglePlaying();
+    } else if (Contains(layout_.volume, at)) {
+        movie_->SetVolume(movie_->Volume() > 0 ? 0 : kFullVolume);
+    } else if (Contains(layout_.slider, at)) {
+        isDragging_ = true;
+        wasPlaying_ = movie_->IsPlaying();
+        movie_->Pause();
+        DragTo(at);
+    } else if (Contains(layout_.stepBack, at)) {
+        movie_->StepBack();
+    } else if (Contains(layout_.stepForward, at)) {
+        movie_->StepForward();
+    }
+    Idle();
+    return true;
+}
+
+void MovieControllerRecord::DragTo(Point at)
+{
+    const double share = layout_.ShareAt(at.h);
+    movie_->GoTo(static_cast<SInt64>(share * static_cast<double>(movie_->Duration())));
+    Idle();
+}
+
+bool MovieControllerRecord::HandleKey(char key)
+{
+    switch (key) {
+    case kSpaceCharCode:
+        TogglePlaying();
+        break;
+    case kLeftArrowCharCode:
+        movie_->StepBack();
+        break;
+    case kRightArrowCharCode:
+        movie_->StepForward();
+        break;
+    case kUpArrowCharCode:
+        movie_->SetVolume(movie_->Volume() + kVolumeStep);
+        break;
+    case kDownArrowCharCode:
+        movie_->SetVolume(movie_->Volume() - kVolumeStep);
+        break;
+    default:
+        return false;
+    }
+    Idle();
+    return true;
+}
+
+void MovieControllerRecord::TogglePlaying()
+{
+    if (movie_->IsPlaying()) {
+        movie_->Pause();
+    } else {
+        movie_->Play();
+    }
+}

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+//
+// The sound of a movie: packets in, 16-bit sample frames out, in order and without gaps.
+#pragma once
+
+#include "toolbox/quicktime/LibAV.h"
+
+#include <deque>
+#include <vector>
+
+namespace toolbox
+{
+
+class AudioTrack
+{
+public:
+    // For a stream of which `first` is the first packet; null if there is no decoder for it.
+    static std::unique_ptr<AudioTrack> Create(const AVStream& stream, const AVPacket& first);
+
+    // Takes the packet's contents, its time stamps in nanoseconds.
+    void Add(AVPacket& packet);
+    // No more packets will come.
+    void EndData() { dataEnded_ = true; }
+    Nanoseconds EndOfPackets() const { return endOfPackets_; }
+
+    // All sound has been decoded.
+    bool IsEnded() const { return isEnded_; }
+
+    enum class Step { kSound, kNeedsPacket, kEnded };
+    // Decodes on until there is sound up to `time`.
+    Step DecodeUpTo(Nanoseconds time);
+    // Decodes on until there is any sound.
+    Step DecodeSome();
+    // When the first frame sounds, kNoTime before it is decoded.
+    Nanoseconds Start() const { return start_; }
+    // Moves the whole sound so that its first frame sounds at `start`.
+    void MoveTo(Nanoseconds start) { start_ = start; }
+    // The time of the next frame to be taken, and of the first one not decoded yet.
+    Nanoseconds Position() const { return start_ + FramesToTime(taken_); }
+    Nanoseconds EndOfDecoded() const { return start_ + FramesToTime(taken_ + FramesWaiting()); }
+
+    // Takes the frames that sound before `time`, `volume` (256: as they are) applied. Valid until
+    // the next call. Channels() samples a frame.
+    const std::vector<SInt16>& TakeUpTo(Nanoseconds time, int volume);
+    int SampleRate() const { return sampleRate_; }
+    int Channels() const { return channels_; }
+    // Forgets everything, before packets from elsewhere come; sound before `start` is not played.
+    void Flush(Nanoseconds start);
+
+private:
+    explicit AudioTrack(LibAVPtr<AVCodecContext> decoder) : decoder_(std::move(decoder)) {}
+    bool FeedDecoder();
+    void Append(const AVFrame& frame);
+    bool PrepareResampler(const AVFrame& frame);
+    void DropBeforeStart(const AVFrame& frame);
+    Nanoseconds FramesToTime(SInt64 frames) const;
+    SInt64 FramesWaiting() const;
+
+    LibAVPtr<AVCodecContext> decoder_;
+    LibAVPtr<SwrContext> resampler_;
+    AVSampleFormat inputFormat_ = AV_SAMPLE_FMT_NONE;
+    int inputRate_ = 0;
+    int inputChannels_ = 0;
+    std::deque<LibAVPtr<AVPacket>> packets_;
+    Nanoseconds endOfPackets_ = kNoTime;
+    std::vector<SInt16> samples_; // decoded, from `consumed_` on not taken yet
+    size_t consumed_ = 0;
+    std::vector<SInt16> out_;
+    int sampleRate_ = 0;
+    int channels_ = 0;
+    Nanoseconds start_ = kNoTime;
+    Nanoseconds notBefore_ = kNoTime;
+    SInt64 taken_ = 0; // frames since start_
+    bool dataEnded_ = false;
+    bool isDraining_ = false;
+    bool isEnded_ = false;
+};
+
+} // namespace toolbox

@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: MIT
+//
+// The part of a movie that moves: its clock, what is due by it, and going elsewhere.
+#include "toolbox/quicktime/Movie.h"
+#include "toolbox/quicktime/SoundOutput.h"
+
+#include <algorithm>
+
+using namespace toolbox;
+
+namespace
+{
+
+constexpr Nanoseconds kPerMicrosecond = 1000;
+// Sound is given out in pieces no longer than this.
+constexpr SInt64 kSoundPieceMicroseconds = 100'000;
+// A track this far behind the other has ended early: the other does not wait for it.
+constexpr Nanoseconds kLostTrack = 3 * kSecond;
+constexpr int kFullVolume = 256;
+
+bool HasFallenBehind(Nanoseconds end, Nanoseconds endOfOther)
+{
+    return endOfOther != kNoTime && end != kNoTime && endOfOther > end + kLostTrack;
+}
+
+SInt64 RoundUpToMicroseconds(Nanoseconds time)
+{
+    return (time + kPerMicrosecond - 1) / kPerMicrosecond;
+}
+
+} // namespace
+
+void MovieRecord::Play()
+{
+    if (!isPlayable_ || isPlaying_ || isStopped_) {
+        return;
+    }
+    if (isAtEnd_) {
+        GoTo(0);
+    }
+    isPlaying_ = true;
+    Anchor(time_);
+}
+
+void MovieRecord::Pause()
+{
+    isPlaying_ = false;
+    isHeldUp_ = false;
+}
+
+void MovieRecord::Anchor(Nanoseconds time)
+{
+    time_ = anchorTime_ = time;
+    anchorClock_ = ToolboxMicroseconds();
+}
+
+// Time goes on only as far as pictures and sound can be decoded for it, so that nothing is lost
+// when bytes are late: it stands still and goes on from there.
+void MovieRecord::PlayDue()
+{
+    const Nanoseconds target =
+        anchorTime_ + (ToolboxMicroseconds() - anchorClock_) * kPerMicrosecond;
+    const Nanoseconds reached = PreparePictures(PrepareSound(target));
+    PlaySoundUpTo(reached);
+    isHeldUp_ = reached < target;
+    if (isHeldUp_) {
+        Anchor(std::max(time_, reached));
+    } else {
+        time_ = target;
+    }
+    const bool isOver = dataEnded_ &&
+                        (!video_ || (video_->IsEnded() && video_->Next() == nullptr)) &&
+                        (!audio_ || audio_->IsEnded());
+    if (isOver) {
+        EndPlaying();
+    }
+}
+
+// How far the sound lets time go.
+Nanoseconds MovieRecord::PrepareSound(Nanoseconds target)
+{
+    while (audio_ && audio_->DecodeUpTo(target) == AudioTrack::Step::kNeedsPacket) {
+        if (PullPacket() != Step::kWaiting) {
+            continue;
+        }
+        const Nanoseconds end =
+            audio_->Start() == kNoTime ? audio_->EndOfPackets() : audio_->EndOfDecoded();
+        const bool isLost = video_ && HasFallenBehind(end, video_->EndOfPackets());
+        return isLost ? target : std::min(target, std::max(end, time_));
+    }
+    return target;
+}
+
+// How far the pictures let time go; the one that is due then is current.
+Nanoseconds MovieRecord::PreparePictures(Nanoseconds target)
+{
+    while (video_) {
+        if (const Picture* next = video_->Next()) {
+            if (next->start > target) {
+                return target;
+            }
+            TakeNextPicture();
+            continue;
+        }
+        const VideoTrack::Step step = video_->DecodeNext();
+        if (step == VideoTrack::Step::kEnded) {
+            return target;
+        }
+        if (step == VideoTrack::Step::kNeedsPacket && PullPacket() == Step::kWaiting) {
+            const Picture* const current = video_->Current();
+            const Nanoseconds end = current != nullptr ? current->end : time_;
+            const bool isLost = audio_ && HasFallenBehind(end, audio_->EndOfPackets());
+            return isLost ? target : std::min(target, std::max(end, time_));
+        }
+    }
+    return target;
+}
+
+void MovieRecord::TakeNextPicture()
+{
+    if (!video_->TakeNext()) {
+        ++picturesDropped_;
+    }
+}
+
+void MovieRecord::PlaySoundUpTo(Nanoseconds time)
+{
+    if (!audio_ || audio_->Start() == kNoTime) {
+        return;
+    }
+    const Nanoseconds position = audio_->Position();
+    const std::vector<SInt16>& samples = audio_->TakeUpTo(time, volume_);
+    if (samples.empty()) {
+        return;
+    }
+    const auto count =
+        static_cast<SInt32>(samples.size() / static_cast<size_t>(audio_->Channels()));
+    soundFrames_ += count;
+    const ToolboxSoundSink& sink = SoundSink();
+    if (!isSoundOpen_ && sink.open != nullptr) {
+        sound_ = sink.open(sink.refCon, audio_->SampleRate(), audio_->Channels());
+        isSoundOpen_ = true;
+    }
+    if (sound_ != nullptr && sink.play != nullptr) {
+        sink.play(sink.refCon, sound_, samples.data(), count,
+                  anchorClock_ + (position - anchorTime_) / kPerMicrosecond);
+    }
+}
+
+void MovieRecord::CloseSound()
+{
+    const ToolboxSoundSink& sink = SoundSink();
+    if (sound_ != nullptr && sink.close != nullptr) {
+        sink.close(sink.refCon, sound_);
+    }
+    sound_ = nullptr;
+    isSoundOpen_ = false;
+}
+
+// Everything is decoded; the movie is over when the last picture and the last sound are.
+void MovieRecord::EndPlaying()
+{
+    Nanoseconds end = time_;
+    if (video_ && video_->Current() != nullptr) {
+        end = video_->Current()->end;
+    }
+    if (audio_ && audio_->Start() != kNoTime) {
+        end = std::max(video_ ? end : kNoTime, audio_->EndOfDecoded());
+    }
+    if (time_ >= end) {
+        PlaySoundUpTo(end);
+        time_ = end;
+        isAtEnd_ = true;
+        Pause();
+    }
+}
+
+Nanoseconds MovieRecord::Time() const
+{
+    return time_ - beginning_;
+}
+
+void MovieRecord::GoTo(Nanoseconds time)
+{
+    if (!isPlayable_ || isStopped_) {
+        return;
+    }
+    const Nanoseconds wanted =
+        beginning_ + std::clamp<Nanoseconds>(time, 0, std::max<Nanoseconds>(0, LoadedDuration()));
+    const KeySample* const key = index_->FindKey(wanted);
+    Restart(key != nullptr ? *key : KeySample{beginning_, play_->Start().start, 0});
+    if (audio_) {
+        audio_->Flush(wanted);
+    }
+    isAtEnd_ = false;
+    ShowPictureAt(wanted);
+    Anchor(wanted);
+}
+
+// Begins to read at another place.
+void MovieRecord::Restart(const KeySample& key)
+{
+    const Sniffed start = {play_->Start().kind, key.position};
+    play_->Abandon();
+    play_ = std::make_unique<MovieStream>(*handler_, start);
+    begin_ = key;
+    hasTimeline_ = false;
+    dataEnded_ = outOfBytes_ = false;
+    if (video_) {
+        video_->Flush(key.time);
+    }
+}
+
+void MovieRecord::ShowPictureAt(Nanoseconds time)
+{
+    if (!video_) {
+        return;
+    }
+    const SInt32 droppedBefore = picturesDropped_;
+    video_->Current()->isShown = true;
+    PreparePictures(time);
+    if (video_->Current()->isShown && video_->Next() != nullptr) {
+        TakeNextPicture(); // the first there is lies behind the time sought
+    }
+    picturesDropped_ = droppedBefore;
+    DrawIfNew();
+}
+
+void MovieRecord::SkipSoundUpTo(Nanoseconds time)
+{
+    if (audio_ && PrepareSound(time) >= time) {
+        audio_->TakeUpTo(time, volume_);
+    }
+}
+
+void MovieRecord::StepForward()
+{
+    Pause();
+    if (!isPlayable_ || !video_ || isStopped_) {
+        return;
+    }
+    while (video_->Next() == nullptr) {
+        const VideoTrack::Step step = video_->DecodeNext();
+        if (step == VideoTrack::Step::kEnded ||
+            (step == VideoTrack::Step::kNeedsPacket && PullPacket() == Step::kWaiting)) {
+            return;
+        }
+    }
+    TakeNextPicture();
+    SkipSoundUpTo(video_->Current()->start);
+    Anchor(video_->Current()->start);
+    DrawIfNew();
+}
+
+void MovieRecord::StepBack()
+{
+    Pause();
+    const Picture* const current = video_ ? video_->Current() : nullptr;
+    if (current != nullptr) {
+        const Nanoseconds before = current->start - 1;
+        GoTo(before - beginning_);
+        if (video_->Current() != nullptr) {
+            Anchor(std::max(beginning_, video_->Current()->start));
+        }
+    }
+}
+
+void MovieRecord::SetVolume(int volume)
+{
+    volume_ = std::clamp(volume, 0, kFullVolume);
+}
+
+SInt64 MovieRecord::NextDeadline() const
+{
+    if (isStopped_ || status_ != 0) {
+        return -1;
+    }
+    const SInt64 now = ToolboxMicroseconds();
+    const bool canRead = !dataEnded_ && (!outOfBytes_ || play_->Bytes().HasArrived());
+    if (index_->HasWork() || (canRead && (!isPlayable_ || isHeldUp_))) {
+        return now;
+    }
+    if (!isPlaying_ || isHeldUp_) {
+        return -1;
+    }
+    const auto clockAt = [this](Nanoseconds time) {
+        return anchorClock_ + RoundUpToMicroseconds(time - anchorTime_);
+    };
+    SInt64 deadline = now + kSoundPieceMicroseconds;
+    if (video_ && video_->Next() != nullptr) {
+        deadline = std::min(deadline, clockAt(video_->Next()->start));
+    } else if (video_ && video_->Current() != nullptr && dataEnded_) {
+        deadline = std::min(deadline, clockAt(video_->Current()->end));
+    }
+    if (audio_ && dataEnded_ && audio_->Start() != kNoTime) {
+        const SInt64 end = clockAt(audio_->EndOfDecoded());
+        deadline = end > now ? std::min(deadline, end) : deadline;
+    }
+    return std::max(deadline, now);
+}

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "toolbox/quicktime/PictureConverter.h"
+
+#include "toolbox/quickdraw/Drawing.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace toolbox
+{
+namespace
+{
+
+constexpr int kBytesPerPixel = 4;
+// Rows converted before their bytes are put in order: few enough to be still in the cache then.
+constexpr int kBandRows = 16;
+// libswscale's vector code writes whole groups of pixels, past a row's end if the width is no
+// multiple of this.
+constexpr int kPixelGroup = 8;
+
+int WidthOf(const Rect& rect)
+{
+    return rect.right - rect.left;
+}
+int HeightOf(const Rect& rect)
+{
+    return rect.bottom - rect.top;
+}
+
+bool IsSame(const Rect& a, const Rect& b)
+{
+    return a.top == b.top && a.left == b.left && a.bottom == b.bottom && a.right == b.right;
+}
+
+// libswscale's fast converters write B, G, R, A; a port's pixels are x, R, G, B, with x zero.
+void PutBytesInOrder(UInt8* row, int width)
+{
+    for (int x = 0; x < width; ++x) {
+        UInt32 pixel = 0;
+        std::memcpy(&pixel, row + ptrdiff_t{x} * kBytesPerPixel, sizeof pixel);
+        if constexpr (std::endian::native == std::endian::little) {
+            pixel = __builtin_bswap32(pixel) & 0xFFFFFF00U;
+        } else {
+            pixel = __builtin_bswap32(pixel) & 0x00FFFFFFU;
+        }
+        std::memcpy(row + ptrdiff_t{x} * kBytesPerPixel, &pixel, sizeof pixel);
+    }
+}
+
+} // namespace
+
+void PictureConverter::Draw(const AVFrame& picture, CGrafPort& port, const Rect& place,
+                            RgnHandle clip)
+{
+    const std::vector<Rect> visible = VisibleRects(port, place, clip);
+    if (visible.empty() || !Prepare(picture, place)) {
+        return;
+    }
+    if (visible.size() == 1 && IsSame(visible[0], place) && WidthOf(place) % kPixelGroup == 0) {
+        SInt32 rowBytes = 0;
+        GetPortPixels(&port, &rowBytes);
+        Convert(picture, PixelAddress(port, place.top, place.left), rowBytes);
+    } else {
+        DrawThroughScratch(picture, port, place, visible);
+    }
+    for (const Rect& rect : visible) {
+        AddToDirtyRegion(port, rect);
+    }
+}
+
+bool PictureConverter::Prepare(const AVFrame& picture, const Rect& place)
+{
+    const Geometry wanted = {picture.width,      picture.height,      picture.format,
+                             picture.colorspace, picture.color_range, WidthOf(place),
+                             HeightOf(place)};
+    if (scaler_ && wanted == geometry_) {
+        return true;
+    }
+    geometry_ = wanted;
+    const bool isScaled = wanted.width != wanted.toWidth || wanted.height != wanted.toHeight;
+    scaler_.reset(sws_getContext(wanted.width, wanted.height,
+                                 static_cast<AVPixelFormat>(wanted.format), wanted.toWidth,
+                                 wanted.toHeight, AV_PIX_FMT_BGRA,
+                                 isScaled ? SWS_BILINEAR : SWS_BICUBIC, nullptr, nullptr, nullptr));
+    if (!scaler_) {
+        return false;
+    }
+    const int* const matrix = sws_getCoefficients(
+        picture.colorspace == AVCOL_SPC_UNSPECIFIED ? SWS_CS_DEFAULT : picture.colorspace);
+    sws_setColorspaceDetails(scaler_.get(), matrix, picture.color_range == AVCOL_RANGE_JPEG ? 1 : 0,
+                             matrix, 1, 0, 1 << 16, 1 << 16);
+    return true;
+}
+
+void PictureConverter::Convert(const AVFrame& picture, UInt8* pixels, SInt32 rowBytes)
+{
+    UInt8* const destination[4] = {pixels, nullptr, nullptr, nullptr};
+    const int strides[4] = {rowBytes, 0, 0, 0};
+    const int bandRows =
+        kBandRows * std::max(1, geometry_.height / std::max(1, geometry_.toHeight));
+    const int shift =
+        av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format))->log2_chroma_h;
+    int done = 0;
+    for (int row = 0; row < geometry_.height; row += bandRows) {
+        const UInt8* source[4] = {picture.data[0] + ptrdiff_t{row} * picture.linesize[0]};
+        for (int plane = 1; plane < 4 && picture.data[plane] != nullptr; ++plane) {
+            source[plane] = picture.data[plane] + ptrdiff_t{row >> shift} * picture.linesize[plane];
+        }
+        const int made =
+            sws_scale(scaler_.get(), source, picture.linesize, row,
+                      std::min(bandRows, geometry_.height - row), destination, strides);
+        for (const int end = done + std::max(0, made); done < end; ++done) {
+            PutBytesInOrder(pixels + ptrdiff_t{done} * rowBytes, geometry_.toWidth);
+        }
+    }
+}
+
+void PictureConverter::DrawThroughScratch(const AVFrame& picture, CGrafPort& port,
+                                          const Rect& place, const std::vector<Rect>& visible)
+{
+    const int paddedWidth = (WidthOf(place) + 2 * kPixelGroup) & ~(kPixelGroup - 1);
+    const SInt32 rowBytes = paddedWidth * kBytesPerPixel;
+    scratch_.resize(static_cast<size_t>(rowBytes) * static_cast<size_t>(HeightOf(place)));
+    Convert(picture, scratch_.data(), rowBytes);
+    for (const Rect& rect : visible) {
+        const UInt8* from = scratch_.data() + ptrdiff_t{rect.top - place.top} * rowBytes +
+                            ptrdiff_t{rect.left - place.left} * kBytesPerPixel;
+        for (SInt16 v = rect.top; v < rect.bottom; ++v, from += rowBytes) {
+            std::memcpy(PixelAddress(port, v, rect.left), from,
+                        static_cast<size_t>(WidthOf(rect)) * kBytesPerPixel);
+        }
+    }
+}
+
+} // namespace toolbox

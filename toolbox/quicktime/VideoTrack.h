@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+//
+// The pictures of a movie: packets in, pictures with their times out, in the order of showing.
+#pragma once
+
+#include "toolbox/quicktime/LibAV.h"
+
+#include <deque>
+
+namespace toolbox
+{
+
+struct Picture {
+    LibAVPtr<AVFrame> frame;
+    Nanoseconds start = kNoTime;
+    Nanoseconds end = kNoTime;
+    bool isShown = false; // it has been drawn
+};
+
+class VideoTrack
+{
+public:
+    // For a stream of which `first` is the first packet; null if there is no decoder for it.
+    // `hasClock` as in Timeline: without, the pictures' durations are added up from `start` on.
+    static std::unique_ptr<VideoTrack> Create(const AVStream& stream, const AVPacket& first,
+                                              bool hasClock, Nanoseconds start);
+
+    // Takes the packet's contents, its time stamps in nanoseconds.
+    void Add(AVPacket& packet);
+    // No more packets will come.
+    void EndData() { dataEnded_ = true; }
+    // The end of the last packet taken, kNoTime before one.
+    Nanoseconds EndOfPackets() const { return endOfPackets_; }
+
+    // Every picture has been decoded.
+    bool IsEnded() const { return isEnded_; }
+
+    enum class Step { kPicture, kNeedsPacket, kEnded };
+    // Decodes on until there is a next picture.
+    Step DecodeNext();
+    // The picture to be shown now and the one after it; null if there is none (yet).
+    Picture* Current() { return current_.frame ? &current_ : nullptr; }
+    const Picture* Next() const { return next_.frame ? &next_ : nullptr; }
+    // The next picture becomes the current one; false if the one it replaces was never shown.
+    bool TakeNext();
+    // Makes the first picture current, decoded on the side, without waiting for those that the
+    // decoder wants to see before it hands the first one out. False if that cannot be done yet.
+    bool ShowFirst();
+    // Forgets packets and pictures but the current one, before packets from elsewhere come.
+    void Flush(Nanoseconds start);
+
+private:
+    VideoTrack(LibAVPtr<AVCodecContext> decoder, bool hasClock, Nanoseconds start);
+    bool FeedDecoder();
+    void Time(Picture& picture);
+    Nanoseconds DurationOf(const AVFrame& frame) const;
+
+    LibAVPtr<AVCodecContext> decoder_;
+    bool hasClock_;
+    std::deque<LibAVPtr<AVPacket>> packets_;
+    LibAVPtr<AVPacket> firstKey_;
+    Nanoseconds endOfPackets_ = kNoTime;
+    Nanoseconds nextStart_; // the end of the picture decoded last
+    Picture current_;
+    Picture next_;
+    bool isFirstOnTheSide_ = false; // current_ came from ShowFirst
+    bool dataEnded_ = false;
+    bool isDraining_ = false;
+    bool isEnded_ = false;
+    bool hasPictures_ = false;
+};
+
+} // namespace toolbox
