@@ -73,6 +73,8 @@ public:
 
 private:
     static constexpr SInt16 kClosed = -1;
+    bool IsOpen() const { return path_ != kClosed; }
+
     FSSpec file_{};
     bool hasFile_ = false;
     SInt16 path_ = kClosed;
