@@ -10,7 +10,7 @@ VornPlugin::VornPlugin(CFBundleRef ownBundle) : bundle(ownBundle)
     CFRetain(bundle);
 }
 
-VornPlugin::~VornPlugin() noexcept(false)
+VornPlugin::~VornPlugin()
 {
     delete dataSource;
     CFRelease(bundle);

@@ -16,9 +16,8 @@ class VornPlugin
 public:
     // Holds a reference to `ownBundle`, which must not be null.
     explicit VornPlugin(CFBundleRef ownBundle);
-    // Destroys the data source and lets go of the bundle. A derived destructor that throws ends a
-    // type check quietly; freeing an object lets it through.
-    virtual ~VornPlugin() noexcept(false);
+    // Destroys the data source and lets go of the bundle.
+    virtual ~VornPlugin();
     VornPlugin(const VornPlugin&) = delete;
     VornPlugin& operator=(const VornPlugin&) = delete;
 
