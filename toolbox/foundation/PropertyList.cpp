@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "toolbox/foundation/PropertyList.h"
+
+#include "toolbox/threads/Fiber.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <plist/plist.h>
+
+namespace toolbox
+{
+namespace
+{
+
+constexpr size_t kMostBytes = 256 * 1024;
+// The library and the conversion go as deep as the list is nested, and a file of the most bytes
+// can nest some ten thousand deep: more than the stack of whoever asks may hold.
+constexpr size_t kReadingStack = size_t{64} << 20;
+
+std::optional<std::string> ReadFile(const std::string& path)
+{
+    std::error_code unreadable;
+    if (!std::filesystem::is_regular_file(path, unreadable)) {
+        return std::nullopt;
+    }
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes(kMostBytes + 1, '\0');
+    file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<size_t>(file.gcount()));
+    return bytes.size() <= kMostBytes && !file.bad() ? std::optional(bytes) : std::nullopt;
+}
+
+using Nodes = std::unique_ptr<void, void (*)(plist_t)>;
+
+Nodes Parse(const std::string& bytes)
+{
+    plist_t nodes = nullptr;
+    const auto parse = bytes.starts_with("bplist") ? plist_from_bin : plist_from_xml;
+    parse(bytes.data(), static_cast<uint32_t>(bytes.size()), &nodes);
+    return {nodes, plist_free};
+}
+
+struct FreeWithLibc {
+    void operator()(void* block) const { std::free(block); }
+};
+
+Owned Convert(plist_t node);
+
+Owned ConvertString(plist_t node)
+{
+    uint64_t length = 0;
+    const char* const text = plist_get_string_ptr(node, &length);
+    return Owned(new StringObject(std::string(text, text != nullptr ? length : 0)));
+}
+
+Owned ConvertArray(plist_t node)
+{
+    std::vector<Owned> values;
+    plist_array_iter start = nullptr;
+    plist_array_new_iter(node, &start);
+    const std::unique_ptr<void, FreeWithLibc> iterator(start);
+    for (;;) {
+        plist_t item = nullptr;
+        plist_array_next_item(node, iterator.get(), &item);
+        if (item == nullptr) {
+            return Owned(new ArrayObject(std::move(values)));
+        }
+        values.push_back(Convert(item));
+    }
+}
+
+Owned ConvertDictionary(plist_t node)
+{
+    std::map<std::string, Owned> values;
+    plist_dict_iter start = nullptr;
+    plist_dict_new_iter(node, &start);
+    const std::unique_ptr<void, FreeWithLibc> iterator(start);
+    for (;;) {
+        char* name = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(node, iterator.get(), &name, &item);
+        const std::unique_ptr<char, FreeWithLibc> key(name);
+        if (item == nullptr) {
+            return Owned(new DictionaryObject(std::move(values)));
+        }
+        values.emplace(name, Convert(item));
+    }
+}
+
+Owned Convert(plist_t node)
+{
+    switch (plist_get_node_type(node)) {
+    case PLIST_STRING:
+        return ConvertString(node);
+    case PLIST_ARRAY:
+        return ConvertArray(node);
+    case PLIST_DICT:
+        return ConvertDictionary(node);
+    default:
+        return Owned(new PlainObject);
+    }
+}
+
+} // namespace
+
+Owned ReadPropertyList(const std::string& path)
+{
+    const std::optional<std::string> bytes = ReadFile(path);
+    if (!bytes) {
+        return nullptr;
+    }
+    Owned list;
+    Fiber reading(
+        [&] {
+            const Nodes nodes = Parse(*bytes);
+            list = nodes != nullptr ? Convert(nodes.get()) : nullptr;
+        },
+        kReadingStack);
+    reading.Resume();
+    return list;
+}
+
+} // namespace toolbox
