@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/ByteSource.h"
+
+#include "viewer/FileSource.h"
+#include "viewer/PipeSource.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace viewer
+{
+namespace
+{
+
+OSErr ErrorFromErrno(int number)
+{
+    switch (number) {
+    case ENOENT:
+    case ENOTDIR:
+        return fnfErr;
+    case EACCES:
+    case EPERM:
+        return permErr;
+    case ENOSPC:
+        return dskFulErr;
+    case ENOMEM:
+        return memFullErr;
+    case EMFILE:
+    case ENFILE:
+        return tmfoErr;
+    default:
+        return ioErr;
+    }
+}
+
+FileDescriptor Open(const std::string& location)
+{
+    // A FIFO would hold up the opening until someone writes to it.
+    const int number = location == "-" ? dup(STDIN_FILENO)
+                                       : open(location.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (number < 0) {
+        throw FailureFromErrno(errno);
+    }
+    return FileDescriptor(number);
+}
+
+} // namespace
+
+SourceFailure FailureFromErrno(int number)
+{
+    return {ErrorFromErrno(number), std::strerror(number)};
+}
+
+SourceFailure TooLargeFailure()
+{
+    return {paramErr, "objects of 2147483648 bytes or more cannot be shown"};
+}
+
+std::unique_ptr<ByteSource> OpenSource(const std::string& location)
+{
+    FileDescriptor file = Open(location);
+    struct stat status {
+    };
+    if (fstat(file.Get(), &status) != 0) {
+        throw FailureFromErrno(errno);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        throw FailureFromErrno(EISDIR);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return std::make_unique<PipeSource>(std::move(file));
+    }
+    if (status.st_size >= kObjectSizeLimit) {
+        throw TooLargeFailure();
+    }
+    return std::make_unique<FileSource>(std::move(file), static_cast<SInt32>(status.st_size));
+}
+
+} // namespace viewer

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+//
+// Where the objects of a page stand.
+#pragma once
+
+#include "toolbox/Types.h"
+
+#include <vector>
+
+namespace viewer
+{
+
+struct AreaSize {
+    SInt16 width = 0;
+    SInt16 height = 0;
+};
+
+// The space between neighbours in a row, and between rows, in pixels.
+inline constexpr SInt16 kObjectGap = 8;
+
+// Puts areas in rows from left to right, each row as high as its highest area, starting a new row
+// where the page's width is used up. What would lie beyond the last coordinate is cut off there.
+std::vector<Rect> LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth);
+
+// The area that a picture of that size gets: its own size, or less if it is wider than the page
+// and its display flags let it shrink (kVornDisplayScale), then in proportion if they say so
+// (kVornDisplayKeepAspect).
+AreaSize AreaForPicture(AreaSize natural, UInt32 displayFlags, SInt16 pageWidth);
+
+} // namespace viewer

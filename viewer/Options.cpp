@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/Options.h"
+
+#include "src/plugin/VornPluginABI.h"
+#include "viewer/OptionValues.h"
+
+#include <getopt.h>
+
+namespace viewer
+{
+namespace
+{
+
+constexpr UInt32 kDefaultDisplayFlags = kVornDisplayScale | kVornDisplayShrinkOnly |
+                                        kVornDisplayKeepAspect | kVornDisplayCenterH |
+                                        kVornDisplayCenterV;
+constexpr SInt64 kMostBytesPerSecond = 1'000'000'000'000;
+
+enum OptionCode : int {
+    kObject = 1, // getopt's code for what is no option
+    kHelp = 256,
+    kHeadless,
+    kSize,
+    kType,
+    kFlags,
+    kArrive,
+    kPlay,
+    kAt,
+    kSnapshot,
+    kWav,
+    kUntil,
+    kClick,
+    kKey,
+    kReport,
+    kPlugins,
+    kListPlugins
+};
+
+const option kOptions[] = {
+    {"help", no_argument, nullptr, kHelp},
+    {"headless", no_argument, nullptr, kHeadless},
+    {"size", required_argument, nullptr, kSize},
+    {"type", required_argument, nullptr, kType},
+    {"flags", required_argument, nullptr, kFlags},
+    {"arrive", required_argument, nullptr, kArrive},
+    {"play", no_argument, nullptr, kPlay},
+    {"at", required_argument, nullptr, kAt},
+    {"snapshot", required_argument, nullptr, kSnapshot},
+    {"wav", required_argument, nullptr, kWav},
+    {"until", required_argument, nullptr, kUntil},
+    {"click", required_argument, nullptr, kClick},
+    {"key", required_argument, nullptr, kKey},
+    {"report", required_argument, nullptr, kReport},
+    {"plugins", required_argument, nullptr, kPlugins},
+    {"list-plugins", no_argument, nullptr, kListPlugins},
+    {nullptr, 0, nullptr, 0},
+};
+
+// Goes through the command line from left to right: type and flags hold for what follows them.
+class Parser
+{
+public:
+    Options Parse(int argc, char* const* argv);
+
+private:
+    void TakeOption(int code, const std::string& value);
+    void TakePageOption(int code, const std::string& value);
+    void TakeOutputOption(int code, const std::string& value);
+    void TakeSnapshot(const std::string& path);
+    void TakeObject(const std::string& location);
+    void CheckTogether() const;
+
+    Options options_;
+    std::string mimeType_;
+    UInt32 displayFlags_ = kDefaultDisplayFlags;
+    std::optional<SInt64> snapshotTime_;
+};
+
+Options Parser::Parse(int argc, char* const* argv)
+{
+    optind = 0; // start anew, also after an earlier command line
+    opterr = 0;
+    int code = 0;
+    while ((code = getopt_long(argc, argv, "-:", kOptions, nullptr)) != -1) {
+        if (code == '?') {
+            throw UsageError(std::string("unknown or ambiguous option '") + argv[optind - 1] + "'");
+        }
+        if (code == ':') {
+            throw UsageError(std::string(argv[optind - 1]) + ": a value must follow");
+        }
+        TakeOption(code, optarg == nullptr ? "" : optarg);
+    }
+    for (int i = optind; i < argc; ++i) {
+        TakeObject(argv[i]);
+    }
+    CheckTogether();
+    return options_;
+}
+
+void Parser::TakeOption(int code, const std::string& value)
+{
+    switch (code) {
+    case kObject:
+        TakeObject(value);
+        break;
+    case kHelp:
+        options_.help = true;
+        break;
+    case kListPlugins:
+        options_.listPlugins = true;
+        break;
+    case kHeadless:
+        options_.headless = true;
+        break;
+    case kPlay:
+        options_.play = true;
+        break;
+    case kType:
+        mimeType_ = value;
+        break;
+    case kFlags:
+        displayFlags_ = ReadFlags("--flags", value);
+        break;
+    default:
+        TakePageOption(code, value);
+    }
+}
+
+void Parser::TakePageOption(int code, const std::string& value)
+{
+    switch (code) {
+    case kSize:
+        ReadSize("--size", value, options_.width, options_.height);
+        break;
+    case kArrive:
+        options_.bytesPerSecond = ReadWholeNumber("--arrive", value, 1, kMostBytesPerSecond);
+        break;
+    case kUntil:
+        options_.until = ReadSeconds("--until", value);
+        break;
+    case kClick:
+        options_.events.push_back(ReadClick("--click", value));
+        break;
+    case kKey:
+        options_.events.push_back(ReadKey("--key", value));
+        break;
+    default:
+        TakeOutputOption(code, value);
+    }
+}
+
+void Parser::TakeOutputOption(int code, const std::string& value)
+{
+    if (value.empty()) {
+        throw UsageError("an empty value is no file or folder name");
+    }
+    switch (code) {
+    case kAt:
+        if (snapshotTime_) {
+            throw UsageError("--at: a --snapshot must follow before the next --at");
+        }
+        snapshotTime_ = ReadSeconds("--at", value);
+        break;
+    case kSnapshot:
+        TakeSnapshot(value);
+        break;
+    case kWav:
+        options_.wavPath = value;
+        break;
+    case kReport:
+        options_.reportPath = value;
+        break;
+    case kPlugins:
+        options_.pluginsFolder = value;
+        break;
+    default:
+        break;
+    }
+}
+
+void Parser::TakeSnapshot(const std::string& path)
+{
+    options_.snapshots.push_back({snapshotTime_, path});
+    snapshotTime_.reset();
+}
+
+void Parser::TakeObject(const std::string& location)
+{
+    options_.objects.push_back({location, mimeType_, displayFlags_});
+}
+
+void Parser::CheckTogether() const
+{
+    if (options_.help || options_.listPlugins) {
+        return;
+    }
+    if (snapshotTime_) {
+        throw UsageError("--at: a --snapshot must follow");
+    }
+    if (options_.objects.empty()) {
+        throw UsageError("no object is named");
+    }
+    if (!options_.headless) {
+        throw UsageError("this build has no window: --headless is needed");
+    }
+    for (const SnapshotRequest& snapshot : options_.snapshots) {
+        if (options_.until && snapshot.at && *snapshot.at > *options_.until) {
+            throw UsageError("--at: the time for '" + snapshot.path + "' lies after --until");
+        }
+    }
+}
+
+} // namespace
+
+Options ParseOptions(int argc, char* const* argv)
+{
+    return Parser().Parse(argc, argv);
+}
+
+const char* HelpText()
+{
+    return R"(Usage: vornview --headless [OPTION...] OBJECT...
+Shows a page of embedded objects. An OBJECT is a file, or - for standard input.
+
+  --headless            no window; the page is drawn in memory on a virtual clock
+  --size WxH            the page's size (800x600)
+  --type MIME           type of the objects that follow (else by the name's extension)
+  --flags N             display flags of the objects that follow (0x1F)
+  --arrive BYTES        bytes per second at which each object's bytes arrive
+                        (else as fast as they come)
+  --play                click the play button of each movie as soon as it is there
+  --at SECONDS --snapshot FILE.png
+                        the page at that time of its clock; may be repeated;
+                        without --at: at the end
+  --wav FILE.wav        the page's sound
+  --until SECONDS       end the page's clock there; else when all is loaded and
+                        every playing movie has ended
+  --click X,Y@SECONDS   a click on the page; may be repeated
+  --key NAME@SECONDS    a key: space, left, right, up, down or one character;
+                        may be repeated
+  --report FILE.json    what happened
+  --plugins DIR         where the plug-in bundles are
+  --list-plugins        what the plug-in bundles accept
+  --help                this text
+
+Exit status: 0 every object showed or played something, 1 one did not, 2 usage.
+)";
+}
+
+} // namespace viewer
