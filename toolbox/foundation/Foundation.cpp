@@ -52,7 +52,10 @@ bool IsAscii(std::string_view text)
 
 size_t Utf8LengthFromFirstByte(unsigned char first)
 {
-    return first < 0x80 ? 1 : first < 0xC0 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+    if (first < 0x80 || first >= 0xF8) {
+        return first < 0x80 ? 1 : 0;
+    }
+    return first < 0xC0 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
 }
 
 // In so many bytes: not in more than it needs, no half of a pair, not past the last one.
