@@ -3,6 +3,7 @@
 
 #include "src/datahandler/DataHandlerDispatch.h"
 #include "src/datahandler/VornPluginDataHandlerComponent.h"
+#include "src/plugin/ErrorBarrier.h"
 #include "toolbox/Errors.h"
 
 namespace datahandler
@@ -32,19 +33,6 @@ Pointer As(ComponentSlot slot)
 SInt32 Long(ComponentSlot slot)
 {
     return static_cast<SInt32>(slot);
-}
-
-template <typename Operation>
-ComponentResult Guarded(const Operation& operation)
-{
-    try {
-        operation();
-        return noErr;
-    } catch (OSErr err) {
-        return err;
-    } catch (...) {
-        return paramErr;
-    }
 }
 
 } // namespace
@@ -100,21 +88,21 @@ ComponentResult Version(void* storage)
 ComponentResult GetData(void* storage, ComponentSlot handle, ComponentSlot handleOffset,
                         ComponentSlot offset, ComponentSlot size)
 {
-    return Guarded([&] {
+    return CatchErrors([&] {
         Instance(storage).GetData(As<Handle>(handle), Long(handleOffset), Long(offset), Long(size));
     });
 }
 
 ComponentResult Task(void* storage)
 {
-    return Guarded([&] { Instance(storage).Task(); });
+    return CatchErrors([&] { Instance(storage).Task(); });
 }
 
 ComponentResult ScheduleData(void* storage, ComponentSlot placement, ComponentSlot fileOffset,
                              ComponentSlot dataSize, ComponentSlot refCon,
                              ComponentSlot scheduleRec, ComponentSlot completion)
 {
-    return Guarded([&] {
+    return CatchErrors([&] {
         Instance(storage).ScheduleData(As<char*>(placement), Long(fileOffset), Long(dataSize),
                                        refCon, As<DataHScheduleRecord*>(scheduleRec),
                                        As<DataHCompletionUPP>(completion));
@@ -131,7 +119,7 @@ ComponentResult ScheduleData64(void* storage, ComponentSlot placement, Component
 
 ComponentResult FinishData(void* storage, ComponentSlot placement, ComponentSlot cancel)
 {
-    return Guarded([&] {
+    return CatchErrors([&] {
         Instance(storage).FinishData(As<char*>(placement), static_cast<unsigned char>(cancel));
     });
 }
@@ -144,27 +132,27 @@ ComponentResult FlushCache(void* storage)
 
 ComponentResult GetFileSize(void* storage, ComponentSlot size)
 {
-    return Guarded([&] { Instance(storage).GetFileSize(As<SInt32*>(size)); });
+    return CatchErrors([&] { Instance(storage).GetFileSize(As<SInt32*>(size)); });
 }
 
 ComponentResult GetFileSize64(void* storage, ComponentSlot size)
 {
-    return Guarded([&] { Instance(storage).GetFileSize64(As<wide*>(size)); });
+    return CatchErrors([&] { Instance(storage).GetFileSize64(As<wide*>(size)); });
 }
 
 ComponentResult GetAvailableFileSize(void* storage, ComponentSlot size)
 {
-    return Guarded([&] { Instance(storage).GetAvailableFileSize(As<SInt32*>(size)); });
+    return CatchErrors([&] { Instance(storage).GetAvailableFileSize(As<SInt32*>(size)); });
 }
 
 ComponentResult GetFileName(void* storage, ComponentSlot name)
 {
-    return Guarded([&] { Instance(storage).GetFileName(As<StringPtr>(name)); });
+    return CatchErrors([&] { Instance(storage).GetFileName(As<StringPtr>(name)); });
 }
 
 ComponentResult GetMIMEType(void* storage, ComponentSlot type)
 {
-    return Guarded([&] { Instance(storage).GetMIMEType(As<StringPtr>(type)); });
+    return CatchErrors([&] { Instance(storage).GetMIMEType(As<StringPtr>(type)); });
 }
 
 ComponentResult GetMacOSFileType(void* storage, ComponentSlot type)
@@ -182,7 +170,7 @@ ComponentResult GetInfoFlags(void* storage, ComponentSlot flags)
 ComponentResult ReadAsync(void* storage, ComponentSlot buffer, ComponentSlot dataSize,
                           ComponentSlot fileOffset, ComponentSlot completion, ComponentSlot refCon)
 {
-    return Guarded([&] {
+    return CatchErrors([&] {
         Instance(storage).ReadAsync(As<void*>(buffer), static_cast<UInt32>(dataSize),
                                     As<const wide*>(fileOffset), As<DataHCompletionUPP>(completion),
                                     refCon);
@@ -191,7 +179,7 @@ ComponentResult ReadAsync(void* storage, ComponentSlot buffer, ComponentSlot dat
 
 ComponentResult PollRead(void* storage, ComponentSlot dataPtr, ComponentSlot dataSizeSoFar)
 {
-    return Guarded(
+    return CatchErrors(
         [&] { Instance(storage).PollRead(As<void*>(dataPtr), As<UInt32*>(dataSizeSoFar)); });
 }
 

@@ -8,6 +8,8 @@
 #include "toolbox/files/Aliases.h"
 #include "toolbox/memory/Memory.h"
 
+#include <memory>
+
 namespace
 {
 
@@ -16,18 +18,6 @@ namespace
 constexpr OSType kDataRefType = FOUR_CHARS('K', 'W', 'O', 'B');
 constexpr SInt16 kAsyncOpenFlags = newMovieAsyncOK | newMovieIdleImportOK;
 constexpr SInt32 kControllerFlags = mcTopLeftMovie | mcScaleMovieToFit;
-
-class HandleOwner
-{
-public:
-    explicit HandleOwner(Handle handle) : handle_(handle) {}
-    ~HandleOwner() { DisposeHandle(handle_); }
-    HandleOwner(const HandleOwner&) = delete;
-    HandleOwner& operator=(const HandleOwner&) = delete;
-
-private:
-    const Handle handle_;
-};
 
 } // namespace
 
@@ -39,7 +29,7 @@ OSErr VornMoviePlugin::OpenMovie(unsigned char, unsigned char asyncLoad)
     if (err != noErr) {
         return err;
     }
-    const HandleOwner aliasOwner(alias);
+    const std::unique_ptr<Ptr, void (*)(Handle)> aliasOwner(alias, DisposeHandle);
     return NewMovieFromDataRef(&movie, asyncLoad ? kAsyncOpenFlags : SInt16{0}, nullptr, alias,
                                kDataRefType);
 }
@@ -73,11 +63,10 @@ void VornMoviePlugin::SetMovieControllerClip()
     if (movieController == nullptr) {
         return;
     }
-    const RgnHandle clip = NewRgn();
+    const std::unique_ptr<MacRegion*, void (*)(RgnHandle)> clip(NewRgn(), DisposeRgn);
     if (clip != nullptr) {
-        GetClip(clip);
-        MCSetClip(movieController, clip, nullptr);
-        DisposeRgn(clip);
+        GetClip(clip.get());
+        MCSetClip(movieController, clip.get(), nullptr);
     }
 }
 
