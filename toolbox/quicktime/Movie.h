@@ -95,6 +95,8 @@ private:
     Nanoseconds PreparePictures(Nanoseconds target);
     void TakeNextPicture();
     void PlaySoundUpTo(Nanoseconds time);
+    Nanoseconds EndOfPictures() const;
+    Nanoseconds EndOfSound() const;
     void EndPlaying();
     void Anchor(Nanoseconds time);
     void CloseSound();

@@ -68,10 +68,9 @@ void MovieRecord::PlayDue()
     } else {
         time_ = target;
     }
-    const bool isOver = dataEnded_ &&
-                        (!video_ || (video_->IsEnded() && video_->Next() == nullptr)) &&
-                        (!audio_ || audio_->IsEnded());
-    if (isOver) {
+    const bool picturesAreOver = !video_ || (video_->IsEnded() && video_->Next() == nullptr);
+    const bool soundIsOver = !audio_ || audio_->DecodeUpTo(time_ + 1) == AudioTrack::Step::kEnded;
+    if (dataEnded_ && picturesAreOver && soundIsOver) {
         EndPlaying();
     }
 }
@@ -157,16 +156,21 @@ void MovieRecord::CloseSound()
     isSoundOpen_ = false;
 }
 
+MovieRecord::Nanoseconds MovieRecord::EndOfPictures() const
+{
+    const Picture* const current = video_ ? video_->Current() : nullptr;
+    return current != nullptr ? current->end : kNoTime;
+}
+
+MovieRecord::Nanoseconds MovieRecord::EndOfSound() const
+{
+    return audio_ && audio_->Start() != kNoTime ? audio_->EndOfDecoded() : kNoTime;
+}
+
 // Everything is decoded; the movie is over when the last picture and the last sound are.
 void MovieRecord::EndPlaying()
 {
-    Nanoseconds end = time_;
-    if (video_ && video_->Current() != nullptr) {
-        end = video_->Current()->end;
-    }
-    if (audio_ && audio_->Start() != kNoTime) {
-        end = std::max(video_ ? end : kNoTime, audio_->EndOfDecoded());
-    }
+    const Nanoseconds end = std::max(EndOfPictures(), EndOfSound());
     if (time_ >= end) {
         PlaySoundUpTo(end);
         time_ = end;
@@ -289,12 +293,11 @@ SInt64 MovieRecord::NextDeadline() const
     SInt64 deadline = now + kSoundPieceMicroseconds;
     if (video_ && video_->Next() != nullptr) {
         deadline = std::min(deadline, clockAt(video_->Next()->start));
-    } else if (video_ && video_->Current() != nullptr && dataEnded_) {
-        deadline = std::min(deadline, clockAt(video_->Current()->end));
-    }
-    if (audio_ && dataEnded_ && audio_->Start() != kNoTime) {
-        const SInt64 end = clockAt(audio_->EndOfDecoded());
-        deadline = end > now ? std::min(deadline, end) : deadline;
+    } else if (dataEnded_) {
+        for (const Nanoseconds end : {EndOfPictures(), EndOfSound()}) {
+            const SInt64 due = end == kNoTime ? now : clockAt(end);
+            deadline = due > now ? std::min(deadline, due) : deadline;
+        }
     }
     return std::max(deadline, now);
 }

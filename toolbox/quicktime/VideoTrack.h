@@ -39,6 +39,7 @@ public:
     // Decodes on until there is a next picture.
     Step DecodeNext();
     // The picture to be shown now and the one after it; null if there is none (yet).
+    const Picture* Current() const { return current_.frame ? &current_ : nullptr; }
     Picture* Current() { return current_.frame ? &current_ : nullptr; }
     const Picture* Next() const { return next_.frame ? &next_ : nullptr; }
     // The next picture becomes the current one; false if the one it replaces was never shown.
