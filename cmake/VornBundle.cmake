@@ -1,0 +1,35 @@
+# SPDX-License-Identifier: MIT
+#
+# vorn_bundle(<name> INFO_PLIST <file> SOURCES <files>): a plug-in bundle on disk,
+#   plugins/<name>.plugin/Contents/Info.plist      the information dictionary, variables filled in
+#   plugins/<name>.plugin/Contents/Linux/<name>.so all of the library `vorn`, and SOURCES, which
+#                                                  define MakeNewPlugin
+# It exports the names of src/exported-names.txt that it defines, and nothing else.
+
+set(VORN_EXPORTED_NAMES ${CMAKE_CURRENT_LIST_DIR}/../src/exported-names.txt)
+set(VORN_VERSION_SCRIPT ${CMAKE_BINARY_DIR}/exported-names.ver)
+
+# The linker's version script, made from the list of names.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${VORN_EXPORTED_NAMES})
+file(STRINGS ${VORN_EXPORTED_NAMES} names REGEX "^[A-Za-z]")
+list(JOIN names ";\n    " names)
+file(CONFIGURE OUTPUT ${VORN_VERSION_SCRIPT} @ONLY
+     CONTENT "{\n  global:\n    @names@;\n  local:\n    *;\n};\n")
+
+function(vorn_bundle name)
+  cmake_parse_arguments(ARG "" "INFO_PLIST" "SOURCES" ${ARGN})
+  set(contents ${VORN_PLUGINS_DIR}/${name}.plugin/Contents)
+  set(VORN_BUNDLE_NAME ${name})
+  configure_file(${ARG_INFO_PLIST} ${contents}/Info.plist @ONLY)
+
+  add_library(${name} MODULE ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE $<LINK_LIBRARY:WHOLE_ARCHIVE,vorn> vorntoolbox)
+  target_link_options(${name} PRIVATE LINKER:--version-script=${VORN_VERSION_SCRIPT}
+                      LINKER:-z,defs)
+  set_target_properties(${name} PROPERTIES
+    PREFIX ""
+    LIBRARY_OUTPUT_DIRECTORY ${contents}/Linux
+    LINK_DEPENDS ${VORN_VERSION_SCRIPT}
+    BUILD_WITH_INSTALL_RPATH ON
+    INSTALL_RPATH "$ORIGIN/../../../../lib")
+endfunction()
