@@ -134,6 +134,14 @@ public:
         return statistics;
     }
 
+    // Takes in all that has arrived.
+    void IdleUntilNothingIsPending()
+    {
+        while (NextToolboxDeadline() >= 0) {
+            Idle();
+        }
+    }
+
     void Idle() { MCDoAction(controller, mcActionIdle, nullptr); }
 
     // Moves the clock from deadline to deadline until nothing plays any more or `limit` seconds
@@ -534,6 +542,7 @@ TEST(SeekingMovie, PastTheLoadedPartStopsAtItsEnd)
     ASSERT_EQ(page.Open(), noErr);
     page.data.ArriveUpTo(page.data.Size() / 2);
     ASSERT_TRUE(page.ShowIfPlayable());
+    page.IdleUntilNothingIsPending();
     const Rect bar = page.Bar();
     EXPECT_TRUE(page.Mouse(mouseDown, bar.right - 40, bar.top + 8));
     EXPECT_TRUE(page.Mouse(mouseUp, bar.right - 40, bar.top + 8));
@@ -550,8 +559,8 @@ TEST(SeekingMovie, PlaysTheRestOfItsSoundFromThere)
 {
     OpenedMovie page(Clip("sound.mp2"), "sound.mp2");
     page.OpenAll();
+    page.IdleUntilNothingIsPending();
     const Rect bar = page.Bar();
-    page.Idle();
     EXPECT_TRUE(
         page.Mouse(mouseDown, bar.left + 32 + (bar.right - bar.left - 64) / 2, bar.top + 8));
     EXPECT_TRUE(page.Mouse(mouseUp, bar.left + 32 + (bar.right - bar.left - 64) / 2, bar.top + 8));
@@ -578,9 +587,7 @@ TEST(PausedMovie, NeedsNoTime)
 {
     OpenedMovie page(Clip("mpeg1.mpg"));
     page.OpenAll();
-    while (NextToolboxDeadline() >= 0) {
-        page.Idle();
-    }
+    page.IdleUntilNothingIsPending();
     page.ClickPlay();
     EXPECT_GE(NextToolboxDeadline(), page.now);
     page.ClickPlay();

@@ -130,7 +130,7 @@ void MovieRecord::Dispatch(AVPacket& packet, const AVStream& stream)
         hasTimeline_ = true;
     }
     const int index = packet.stream_index;
-    timeline_.Place(packet, stream.time_base);
+    timeline_.Place(packet, stream);
     if (type == AVMEDIA_TYPE_VIDEO && videoStream_ < 0) {
         video_ = VideoTrack::Create(stream, packet, kind != StreamKind::kVideo, begin_.time);
         videoStream_ = video_ ? index : -1;

@@ -23,8 +23,11 @@ UInt32 LittleEndian32(const UInt8* p)
 
 Timeline TimelineFor(StreamKind kind, const KeySample& begin)
 {
-    Timeline timeline(kind != StreamKind::kVideo, begin.time);
-    timeline.SetOffset(kind == StreamKind::kAudio ? begin.time : begin.stampShift);
+    const Timeline::Clock clock = kind == StreamKind::kVideo   ? Timeline::Clock::kPictures
+                                  : kind == StreamKind::kAudio ? Timeline::Clock::kSound
+                                                               : Timeline::Clock::kStamps;
+    Timeline timeline(clock, begin.time);
+    timeline.SetOffset(begin.stampShift);
     return timeline;
 }
 
@@ -59,7 +62,7 @@ void MovieIndex::Note(AVPacket& packet)
         hasTimeline_ = true;
     }
     NoteTrimmedSound(packet, stream.codecpar->sample_rate);
-    timeline_.Place(packet, stream.time_base);
+    timeline_.Place(packet, stream);
     if (packet.pos >= 0 && IsKey(packet, stream)) {
         const SInt64 time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
         keys_.push_back(

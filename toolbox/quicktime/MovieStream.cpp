@@ -158,7 +158,7 @@ bool MovieStream::OpenFormat()
         return false;
     }
     format_->pb =
-        avio_alloc_context(buffer, kReadBufferSize, 0, this, ReadCallback, nullptr, nullptr);
+        avio_alloc_context(buffer, kReadBufferSize, 0, this, ReadCallback, nullptr, SizeCallback);
     format_->pb->seekable = 0;
     AVIOContext* input = format_->pb;
     AVFormatContext* opening = format_.release();
@@ -200,6 +200,17 @@ int MovieStream::ReadCallback(void* opaque, UInt8* buffer, int size)
         self->thrown_ = std::current_exception();
         return AVERROR_EXIT;
     }
+}
+
+// Tells the length that is expected, 0 if none is, to demultiplexers that weigh what a header says
+// against it; seeks nowhere.
+SInt64 MovieStream::SizeCallback(void* opaque, SInt64, int whence)
+{
+    auto* const self = static_cast<MovieStream*>(opaque);
+    if (whence != AVSEEK_SIZE || self->bytes_.IsStopped()) {
+        return AVERROR(ENOSYS);
+    }
+    return std::max<SInt64>(0, self->handler_.FileSize() - self->start_.start);
 }
 
 void MovieStream::RethrowFromCallback()

@@ -56,6 +56,7 @@ private:
     void ReadPackets();
     SInt32 ReadSome(void* dest, SInt64 offset, SInt32 count);
     static int ReadCallback(void* opaque, UInt8* buffer, int size);
+    static SInt64 SizeCallback(void* opaque, SInt64 offset, int whence);
     void RethrowFromCallback();
 
     DataHandlerClient& handler_;

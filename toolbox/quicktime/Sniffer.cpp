@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/quicktime/Sniffer.h"
 
+#include "toolbox/quicktime/MpegAudioHeader.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -17,56 +19,16 @@ constexpr int kTransportPacketsWanted = 5;
 constexpr int kFramesWantedForSound = 2;
 constexpr int kFramesWantedOtherwise = 4;
 
-// One audio frame header, ISO 11172-3 2.4.1.3 and its extension to lower sample rates.
-struct AudioFrame {
-    size_t size = 0;
-    UInt32 fixedBits = 0; // sync, version, layer and sample rate: the same in every frame
-};
-
-std::optional<AudioFrame> ParseAudioFrame(const UInt8* p)
-{
-    static constexpr UInt16 kBitRates[2][3][15] = {
-        {{0, 32, 64, 96, 128, 160, 192, 224, 256, 288, 320, 352, 384, 416, 448},
-         {0, 32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384},
-         {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320}},
-        {{0, 32, 48, 56, 64, 80, 96, 112, 128, 144, 160, 176, 192, 224, 256},
-         {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160},
-         {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160}}};
-    static constexpr UInt32 kSampleRates[3] = {44100, 48000, 32000};
-    const UInt32 header = FOUR_CHARS(p[0], p[1], p[2], p[3]);
-    const UInt32 version = (header >> 19) & 3; // 0: 2.5, 2: 2, 3: 1
-    const UInt32 layer = 4 - ((header >> 17) & 3);
-    const UInt32 bitRateIndex = (header >> 12) & 15;
-    const UInt32 sampleRateIndex = (header >> 10) & 3;
-    if ((header >> 21) != 0x7FF || version == 1 || layer == 4 || bitRateIndex == 0 ||
-        bitRateIndex == 15 || sampleRateIndex == 3) {
-        return std::nullopt;
-    }
-    const bool isLow = version != 3;
-    const UInt32 rate = kSampleRates[sampleRateIndex] >> (isLow ? (version == 0 ? 2 : 1) : 0);
-    const UInt32 bits = kBitRates[isLow ? 1 : 0][layer - 1][bitRateIndex] * 1000U;
-    const UInt32 padding = (header >> 9) & 1;
-    AudioFrame frame;
-    if (layer == 1) {
-        frame.size = size_t{4} * (12 * bits / rate + padding);
-    } else {
-        const UInt32 samplesOver8 = layer == 3 && isLow ? 72 : 144;
-        frame.size = samplesOver8 * bits / rate + padding;
-    }
-    frame.fixedBits = header & 0xFFFE0C00U;
-    return frame;
-}
-
 // Whether a chain of frames begins at `at`: as many as wanted, or as many as there are up to the
 // very end of the data.
 bool IsAudioAt(const UInt8* bytes, size_t count, size_t at, int wanted, bool isAll)
 {
     UInt32 fixedBits = 0;
     for (int seen = 0; seen < wanted; ++seen) {
-        if (at + 4 > count) {
+        if (at + kMpegAudioHeaderSize > count) {
             return isAll && seen > 0 && at <= count;
         }
-        const std::optional<AudioFrame> frame = ParseAudioFrame(bytes + at);
+        const std::optional<MpegAudioHeader> frame = ParseMpegAudioHeader(bytes + at);
         if (!frame || (seen > 0 && frame->fixedBits != fixedBits)) {
             return false;
         }

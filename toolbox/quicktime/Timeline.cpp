@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/quicktime/Timeline.h"
 
+#include "toolbox/quicktime/MpegAudioHeader.h"
+
 #include <algorithm>
+#include <utility>
 
 namespace toolbox
 {
@@ -22,6 +25,21 @@ SInt64 ToNanoseconds(SInt64 stamp, AVRational timeBase)
     return stamp == AV_NOPTS_VALUE ? stamp : av_rescale_q(stamp, timeBase, kNanosecondBase);
 }
 
+// libavformat does not know how long the first frames of sound last; their headers tell.
+Nanoseconds DurationOf(const AVPacket& packet, const AVStream& stream)
+{
+    const AVCodecID codec = stream.codecpar->codec_id;
+    const bool isMpegAudio =
+        codec == AV_CODEC_ID_MP1 || codec == AV_CODEC_ID_MP2 || codec == AV_CODEC_ID_MP3;
+    if (isMpegAudio && packet.size >= static_cast<int>(kMpegAudioHeaderSize)) {
+        if (const auto header = ParseMpegAudioHeader(packet.data)) {
+            return av_rescale(header->samples, kSecond, header->sampleRate);
+        }
+    }
+    return std::max<Nanoseconds>(0,
+                                 av_rescale_q(packet.duration, stream.time_base, kNanosecondBase));
+}
+
 SInt64 Shifted(SInt64 stamp, Nanoseconds by)
 {
     return stamp == AV_NOPTS_VALUE ? stamp : stamp + by;
@@ -29,39 +47,43 @@ SInt64 Shifted(SInt64 stamp, Nanoseconds by)
 
 } // namespace
 
-void Timeline::Place(AVPacket& packet, AVRational timeBase)
+void Timeline::Place(AVPacket& packet, const AVStream& of)
 {
     auto [found, isNew] = streams_.try_emplace(packet.stream_index);
     StreamTime& stream = found->second;
     if (isNew) {
         stream.offset = startOffset_;
     }
-    const Nanoseconds duration =
-        std::max<Nanoseconds>(0, av_rescale_q(packet.duration, timeBase, kNanosecondBase));
-    packet.pts = ToNanoseconds(packet.pts, timeBase);
-    packet.dts = ToNanoseconds(packet.dts, timeBase);
-    packet.duration = duration;
+    packet.pts = ToNanoseconds(packet.pts, of.time_base);
+    packet.dts = ToNanoseconds(packet.dts, of.time_base);
+    packet.duration = DurationOf(packet, of);
     packet.time_base = kNanosecondBase;
-    if (!hasClock_) {
-        Count(stream, packet, duration);
+    if (clock_ != Clock::kStamps) {
+        Count(stream, packet, packet.duration);
         return;
     }
     const SInt64 stamp = packet.dts != AV_NOPTS_VALUE ? packet.dts : packet.pts;
     if (stamp != AV_NOPTS_VALUE) {
-        Follow(stream, packet, stamp, duration);
+        Follow(stream, packet, stamp, packet.duration);
     } else if (stream.next != kNoTime) {
-        stream.next += duration;
-        Note(stream.next - duration, stream.next);
+        stream.next += packet.duration;
+        Note(stream.next - packet.duration, stream.next);
     }
 }
 
+// What came before the first known duration lasted as long as that, each.
 void Timeline::Count(StreamTime& stream, AVPacket& packet, Nanoseconds duration)
 {
     if (stream.next == kNoTime) {
         stream.next = start_;
     }
+    if (duration == 0) {
+        ++stream.unknownDurations;
+    } else {
+        stream.next += std::exchange(stream.unknownDurations, 0) * duration;
+    }
     packet.dts = stream.next;
-    packet.pts = AV_NOPTS_VALUE;
+    packet.pts = clock_ == Clock::kSound ? packet.dts : AV_NOPTS_VALUE;
     stream.next += duration;
     Note(packet.dts, stream.next);
 }

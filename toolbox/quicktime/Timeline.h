@@ -13,16 +13,20 @@ namespace toolbox
 class Timeline
 {
 public:
-    // `hasClock`: the data carries time stamps (systems streams); without, the packets' durations
-    // are added up. `start`: the time of the first packet then.
-    explicit Timeline(bool hasClock = true, Nanoseconds start = 0)
-        : hasClock_(hasClock), start_(start)
+    enum class Clock {
+        kStamps,   // the data carries time stamps: systems streams
+        kPictures, // the durations of pictures, which come in coding order, are added up
+        kSound     // the durations of frames of sound are added up
+    };
+    // `start`: the time of the first packet where durations are added up.
+    explicit Timeline(Clock clock = Clock::kStamps, Nanoseconds start = 0)
+        : clock_(clock), start_(start)
     {
     }
 
     // Rewrites the packet's time stamps as nanoseconds on the unbroken time line; where the stamps
     // jump (joined recordings), the time goes on from where it was.
-    void Place(AVPacket& packet, AVRational timeBase);
+    void Place(AVPacket& packet, const AVStream& stream);
     // The earliest presentation time and the end of everything placed so far, kNoTime before.
     Nanoseconds First() const { return first_; }
     Nanoseconds End() const { return end_; }
@@ -33,6 +37,7 @@ public:
 private:
     struct StreamTime {
         Nanoseconds offset = 0;
+        int unknownDurations = 0;   // packets before the first one of known duration
         Nanoseconds next = kNoTime; // where the following packet is expected
     };
     void Count(StreamTime& stream, AVPacket& packet, Nanoseconds duration);
@@ -40,7 +45,7 @@ private:
     void Mend(StreamTime& stream, Nanoseconds stamp);
     void Note(Nanoseconds start, Nanoseconds end);
 
-    bool hasClock_;
+    Clock clock_;
     Nanoseconds start_;
     Nanoseconds startOffset_ = 0;
     Nanoseconds first_ = kNoTime;
