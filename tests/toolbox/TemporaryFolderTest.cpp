@@ -1,0 +1,248 @@
+// SPDX-License-Identifier: MIT
+#include "toolbox/Errors.h"
+#include "toolbox/Types.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+// Another process that holds a temporary folder (FolderHolder.cpp).
+class Holder
+{
+public:
+    explicit Holder(const fs::path& parent)
+    {
+        int requests[2];
+        int answers[2];
+        if (pipe(requests) != 0 || pipe(answers) != 0) {
+            return;
+        }
+        process_ = fork();
+        if (process_ == 0) {
+            dup2(requests[0], STDIN_FILENO);
+            dup2(answers[1], STDOUT_FILENO);
+            for (const int descriptor : {requests[0], requests[1], answers[0], answers[1]}) {
+                close(descriptor);
+            }
+            setenv("TMPDIR", parent.c_str(), 1);
+            execl(FOLDER_HOLDER, FOLDER_HOLDER, nullptr);
+            _exit(127);
+        }
+        close(requests[0]);
+        close(answers[1]);
+        requests_ = requests[1];
+        answers_ = fdopen(answers[0], "r");
+        started_ = ReadAnswer();
+    }
+    ~Holder() { Finish(); }
+    Holder(const Holder&) = delete;
+    Holder& operator=(const Holder&) = delete;
+
+    int Started() const { return started_; }
+
+    int Ask(const std::string& request)
+    {
+        const std::string line = request + "\n";
+        return write(requests_, line.data(), line.size()) > 0 ? ReadAnswer() : -9999;
+    }
+
+    void Kill()
+    {
+        kill(process_, SIGKILL);
+        Finish();
+    }
+
+    // Lets it end in the ordinary way, if it has not ended.
+    void Finish()
+    {
+        if (process_ > 0) {
+            close(requests_);
+            waitpid(process_, nullptr, 0);
+            fclose(answers_);
+            process_ = -1;
+        }
+    }
+
+private:
+    int ReadAnswer()
+    {
+        int answer = -9999;
+        return fscanf(answers_, "%d", &answer) == 1 ? answer : -9999;
+    }
+
+    pid_t process_ = -1;
+    int requests_ = -1;
+    FILE* answers_ = nullptr;
+    int started_ = -9999;
+};
+
+class TemporaryFolder : public testing::Test
+{
+protected:
+    TemporaryFolder()
+    {
+        std::string path = (fs::temp_directory_path() / "folders-XXXXXX").string();
+        parent_ = mkdtemp(path.data());
+    }
+    ~TemporaryFolder() override { fs::remove_all(parent_); }
+
+    std::vector<fs::path> Folders() const
+    {
+        std::vector<fs::path> folders;
+        for (const auto& entry : fs::directory_iterator(parent_)) {
+            folders.push_back(entry.path());
+        }
+        return folders;
+    }
+
+    // What a process left that had no chance to clean up.
+    fs::path LeaveAbandonedFolder(const std::string& name = "vorn-spool-dead")
+    {
+        fs::create_directory(parent_ / name);
+        std::ofstream(parent_ / name / "movie.mpg") << "bytes";
+        return parent_ / name;
+    }
+
+    fs::path parent_;
+};
+
+TEST_F(TemporaryFolder, StandsUnderTmpdirWithARecognizableName)
+{
+    const Holder holder(parent_);
+    ASSERT_EQ(noErr, holder.Started());
+    ASSERT_EQ(1U, Folders().size());
+    EXPECT_EQ(0U, Folders().front().filename().string().find("vorn-spool-"));
+    EXPECT_TRUE(fs::exists(Folders().front() / "held"));
+}
+
+TEST_F(TemporaryFolder, IsRemovedWithItsFilesWhenTheProcessEnds)
+{
+    Holder holder(parent_);
+    holder.Finish();
+    EXPECT_TRUE(Folders().empty());
+}
+
+TEST_F(TemporaryFolder, RemovesWhatADeadProcessLeft)
+{
+    Holder dead(parent_);
+    dead.Kill();
+    ASSERT_EQ(1U, Folders().size());
+    const fs::path left = Folders().front();
+    const Holder next(parent_);
+    EXPECT_FALSE(fs::exists(left));
+    EXPECT_EQ(1U, Folders().size());
+}
+
+TEST_F(TemporaryFolder, LeavesLiveProcessesTheirs)
+{
+    Holder first(parent_);
+    Holder second(parent_);
+    EXPECT_EQ(2U, Folders().size());
+    EXPECT_EQ(noErr, first.Ask("lookup"));
+    second.Finish();
+    EXPECT_EQ(noErr, first.Ask("open"));
+    EXPECT_EQ(1U, Folders().size());
+}
+
+TEST_F(TemporaryFolder, IsMadeOncePerProcess)
+{
+    Holder holder(parent_);
+    EXPECT_EQ(noErr, holder.Ask("find"));
+    EXPECT_EQ(1U, Folders().size());
+}
+
+TEST_F(TemporaryFolder, IsNotRemovedByAForkedChild)
+{
+    Holder holder(parent_);
+    EXPECT_EQ(0, holder.Ask("fork"));
+    EXPECT_EQ(noErr, holder.Ask("lookup"));
+    EXPECT_EQ(noErr, holder.Ask("open"));
+}
+
+TEST_F(TemporaryFolder, TouchesNothingButItsOwnKindOfFolder)
+{
+    const fs::path other = LeaveAbandonedFolder("someone-elses");
+    const fs::path file = parent_ / "vorn-spool-file";
+    std::ofstream(file) << "not a folder";
+    const Holder holder(parent_);
+    EXPECT_EQ(noErr, holder.Started());
+    EXPECT_TRUE(fs::exists(other / "movie.mpg"));
+    EXPECT_TRUE(fs::exists(file));
+}
+
+TEST_F(TemporaryFolder, FollowsNoLinkThatBearsItsName)
+{
+    const fs::path other = LeaveAbandonedFolder("someone-elses");
+    fs::create_directory_symlink(other, parent_ / "vorn-spool-link");
+    const Holder holder(parent_);
+    EXPECT_TRUE(fs::exists(other / "movie.mpg"));
+    EXPECT_TRUE(fs::is_symlink(parent_ / "vorn-spool-link"));
+}
+
+TEST_F(TemporaryFolder, RemovesOnlyPlainFiles)
+{
+    const fs::path left = LeaveAbandonedFolder();
+    const fs::path target = parent_ / "target";
+    std::ofstream(target) << "kept";
+    fs::create_symlink(target, left / "link");
+    fs::create_directory(left / "inner");
+    const Holder holder(parent_);
+    EXPECT_FALSE(fs::exists(left / "movie.mpg"));
+    EXPECT_TRUE(fs::is_symlink(left / "link"));
+    EXPECT_TRUE(fs::exists(left / "inner"));
+    EXPECT_TRUE(fs::exists(target));
+}
+
+TEST_F(TemporaryFolder, LeavesAnotherUsersFolderAlone)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can give a folder away";
+    }
+    const fs::path left = LeaveAbandonedFolder();
+    ASSERT_EQ(0, chown(left.c_str(), 12345, 12345));
+    const Holder holder(parent_);
+    EXPECT_TRUE(fs::exists(left / "movie.mpg"));
+}
+
+TEST_F(TemporaryFolder, GivesDirNFErrOnceSomebodyHasRemovedIt)
+{
+    Holder holder(parent_);
+    ASSERT_EQ(1U, Folders().size());
+    fs::remove_all(Folders().front());
+    EXPECT_EQ(dirNFErr, holder.Ask("create"));
+    EXPECT_EQ(dirNFErr, holder.Ask("lookup"));
+    EXPECT_EQ(dirNFErr, holder.Ask("open"));
+}
+
+TEST_F(TemporaryFolder, IsNotThereIfItsParentIsNot)
+{
+    const Holder holder(parent_ / "nowhere");
+    EXPECT_EQ(fnfErr, holder.Started());
+}
+
+TEST_F(TemporaryFolder, IsNotThereIfItsParentMayNotBeWritten)
+{
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "root may write everywhere";
+    }
+    ASSERT_EQ(0, chmod(parent_.c_str(), 0500));
+    const Holder holder(parent_);
+    EXPECT_EQ(permErr, holder.Started());
+}
+
+} // namespace
