@@ -8,8 +8,9 @@
  *   the first argument of every host call.
  * - Results are OSErr: 0, a negative platform code, or a positive code below. Query functions
  *   (Boolean or void result) report no error: the host sees false or an untouched output.
- * - No exception crosses the boundary, except out of the host's own callbacks on their way
- *   through the bundle's frames (the toolbox unwinds a disposed thread that way).
+ * - No exception leaves an entry point. One that comes out of a host callback (the toolbox
+ *   unwinds a disposed thread that way) passes through the bundle's frames and is swallowed like
+ *   any other; the toolbox throws it again at the thread's next yield.
  * - Everything runs on the toolbox's cooperative threads; nothing here may be called from another
  *   operating-system thread.
  */

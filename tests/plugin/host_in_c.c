@@ -1,6 +1,11 @@
 /* SPDX-License-Identifier: MIT */
 #include "tests/plugin/host_in_c.h"
 
+/* A decoder in C needs these as well. */
+#include "src/datasource/ReadingFunctions.h"
+#include "src/util/FileNames.h"
+#include "src/util/Strings.h"
+
 #include <string.h>
 
 static LifeInC life;

@@ -288,8 +288,8 @@ TEST_F(TempFileSpec, LiesInTheTemporaryFolder)
     FSSpec spec{};
     EXPECT_EQ(GetTempFileSpec("spool.mpg", &spec), noErr);
     EXPECT_EQ(Text(spec.name), "spool.mpg");
-    EXPECT_EQ(spec.vRefNum, directory.vRefNum);
-    EXPECT_EQ(spec.parID, directory.parID);
+    EXPECT_EQ(SInt16{spec.vRefNum}, SInt16{directory.vRefNum});
+    EXPECT_EQ(SInt32{spec.parID}, SInt32{directory.parID});
 }
 
 TEST_F(TempFileSpec, CreatesNoFile)
