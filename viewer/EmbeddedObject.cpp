@@ -129,7 +129,7 @@ void EmbeddedObject::WaitAgain()
     sizeChanged_ = hasDimensions_;
     hasDimensions_ = false;
     wasDisplayed_ = false;
-    newRows_.reset();
+    newRows_.Forget();
 }
 
 void EmbeddedObject::Observe()
@@ -152,7 +152,7 @@ bool EmbeddedObject::IsSettled() const
 void EmbeddedObject::Display()
 {
     needsDisplay_ = false;
-    newRows_.reset();
+    newRows_.Forget();
     if (IsMade()) {
         const BundleCall call(this);
         bundle_->Calls().displayObject(plugin_, &area_, 0);
@@ -201,17 +201,9 @@ bool EmbeddedObject::TakeSizeChange()
 
 std::optional<Rect> EmbeddedObject::TakeNewRows()
 {
-    if (!newRows_ || !hasDimensions_ || natural_.height <= 0) {
-        return std::nullopt;
-    }
-    Rect band = DrawnRect();
-    const SInt32 height = band.bottom - band.top;
-    const SInt32 first = newRows_->first * height / natural_.height;
-    const SInt32 end = (newRows_->end * height + natural_.height - 1) / natural_.height;
-    band.bottom = static_cast<SInt16>(band.top + std::min(end, height));
-    band.top = static_cast<SInt16>(band.top + std::max(first, 0));
-    newRows_.reset();
-    return band;
+    return newRows_.IsEmpty() || !hasDimensions_
+               ? std::nullopt
+               : newRows_.TakeWithin(DrawnRect(), natural_.height);
 }
 
 void EmbeddedObject::TakeDisplayRect(const Rect& rect)
@@ -225,11 +217,7 @@ void EmbeddedObject::TakeDisplayRect(const Rect& rect)
 
 void EmbeddedObject::TakeDecodedRows(SInt16 first, SInt16 end)
 {
-    if (newRows_) {
-        first = std::min(first, newRows_->first);
-        end = std::max(end, newRows_->end);
-    }
-    newRows_ = RowBand{first, end};
+    newRows_.Add(first, end);
 }
 
 void EmbeddedObject::TakeRenderingDone()

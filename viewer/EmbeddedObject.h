@@ -6,6 +6,7 @@
 #include "toolbox/quicktime/Movies.h"
 #include "toolbox/threads/Threads.h"
 #include "viewer/Layout.h"
+#include "viewer/NewRows.h"
 #include "viewer/ObjectBytes.h"
 #include "viewer/PluginFolder.h"
 #include "viewer/Report.h"
@@ -23,12 +24,6 @@ struct ObjectDescription {
     std::string fileName; // for the plug-in
     ObjectType type;
     UInt32 displayFlags = 0;
-};
-
-// Rows of an image, counted in its own picture, that were decoded but not drawn yet.
-struct RowBand {
-    SInt16 first = 0;
-    SInt16 end = 0;
 };
 
 class EmbeddedObject
@@ -128,7 +123,7 @@ private:
     bool sizeChanged_ = false;
     bool needsDisplay_ = false;
     bool wasDisplayed_ = false;
-    std::optional<RowBand> newRows_;
+    NewRows newRows_;
     std::optional<FirstPicture> firstPicture_;
 };
 

@@ -3,7 +3,6 @@
 
 #include "viewer/Console.h"
 #include "viewer/PageBuilding.h"
-#include "viewer/PngWriter.h"
 
 #include <algorithm>
 #include <chrono>
@@ -34,22 +33,14 @@ SInt64 RealMicroseconds()
         .count();
 }
 
-bool IsEarlier(const SnapshotRequest& a, const SnapshotRequest& b)
-{
-    return *a.at < *b.at;
-}
-
 } // namespace
 
 HeadlessRun::HeadlessRun(const Options& options, const PluginFolder& plugins)
-    : options_(options), page_(options.width, options.height)
+    : options_(options), page_(options.width, options.height), snapshots_(options.snapshots)
 {
     AddObjects(page_, options, plugins, *this);
     starter_ = std::make_unique<ObjectStarter>(page_, plugins);
     user_ = std::make_unique<UserActions>(page_, options.events, options.play);
-    std::copy_if(options.snapshots.begin(), options.snapshots.end(), std::back_inserter(snapshots_),
-                 [](const SnapshotRequest& request) { return request.at.has_value(); });
-    std::stable_sort(snapshots_.begin(), snapshots_.end(), IsEarlier);
 }
 
 HeadlessRun::~HeadlessRun()
@@ -68,14 +59,14 @@ PageReport HeadlessRun::Run()
     while (true) {
         user_->SendDue(clock_.Now());
         FinishInstant();
-        TakeDueSnapshots();
+        snapshots_.TakeDue(page_.Port(), clock_.Now());
         if (IsOver()) {
             break;
         }
         ShowProgress();
         MoveClock();
     }
-    TakeLastSnapshots();
+    snapshots_.TakeLast(page_.Port());
     PageReport report = MakeReport();
     EndObjects();
     MeasureProcess(report);
@@ -136,7 +127,7 @@ bool HeadlessRun::IsOver()
     if (gStopWasAsked != 0 || (options_.until && clock_.Now() >= *options_.until)) {
         return true;
     }
-    return !options_.until && !user_->NextTime() && !NextSnapshotTime() && IsLoaded() &&
+    return !options_.until && !user_->NextTime() && !snapshots_.NextTime() && IsLoaded() &&
            !IsAnyPlaying();
 }
 
@@ -159,11 +150,7 @@ bool HeadlessRun::IsAnyPlaying()
 void HeadlessRun::MoveClock()
 {
     const SInt64 next = NextInstant();
-    const auto& objects = page_.Objects();
-    const bool waitsForStream = std::any_of(objects.begin(), objects.end(), [](const auto& each) {
-        return each->HasBytes() && each->Bytes().DescriptorToWaitOn() >= 0;
-    });
-    if (waitsForStream) {
+    if (WaitsForStream()) {
         WaitForStreams(std::min(next, clock_.Now() + kTickMicroseconds));
     } else {
         clock_.AdvanceTo(next);
@@ -185,7 +172,7 @@ SInt64 HeadlessRun::NextInstant()
         consider(tick);
     }
     consider(user_->NextTime());
-    consider(NextSnapshotTime());
+    consider(snapshots_.NextTime());
     consider(starter_->NextDeadline());
     return next == INT64_MAX ? tick : std::max(next, now + 1);
 }
@@ -216,46 +203,21 @@ void HeadlessRun::WaitForStreams(SInt64 until)
     clock_.AdvanceTo(std::min(until, clock_.Now() + RealMicroseconds() - start));
 }
 
+bool HeadlessRun::WaitsForStream() const
+{
+    const auto& objects = page_.Objects();
+    return std::any_of(objects.begin(), objects.end(), [](const auto& each) {
+        return each->HasBytes() && each->Bytes().DescriptorToWaitOn() >= 0;
+    });
+}
+
 void HeadlessRun::LetTimePass()
 {
-    if (std::any_of(page_.Objects().begin(), page_.Objects().end(), [](const auto& each) {
-            return each->HasBytes() && each->Bytes().DescriptorToWaitOn() >= 0;
-        })) {
+    if (WaitsForStream()) {
         WaitForStreams(clock_.Now() + kShortWait);
     } else {
         clock_.AdvanceTo(clock_.Now() + kTickMicroseconds);
     }
-}
-
-void HeadlessRun::TakeDueSnapshots()
-{
-    while (nextSnapshot_ < snapshots_.size() && *snapshots_[nextSnapshot_].at <= clock_.Now()) {
-        TakeSnapshot(snapshots_[nextSnapshot_++].path);
-    }
-}
-
-void HeadlessRun::TakeLastSnapshots()
-{
-    for (const SnapshotRequest& request : options_.snapshots) {
-        if (!request.at) {
-            TakeSnapshot(request.path);
-        }
-    }
-}
-
-void HeadlessRun::TakeSnapshot(const std::string& path)
-{
-    try {
-        WritePng(page_.Port(), path);
-    } catch (const std::runtime_error& problem) {
-        outputFailed_ = true;
-        Console::Tell(path, problem.what());
-    }
-}
-
-std::optional<SInt64> HeadlessRun::NextSnapshotTime() const
-{
-    return nextSnapshot_ < snapshots_.size() ? snapshots_[nextSnapshot_].at : std::nullopt;
 }
 
 void HeadlessRun::ShowProgress()

@@ -7,6 +7,7 @@
 #include "viewer/ObjectStarter.h"
 #include "viewer/Options.h"
 #include "viewer/PageClock.h"
+#include "viewer/Snapshots.h"
 #include "viewer/UserActions.h"
 
 namespace viewer
@@ -21,10 +22,10 @@ public:
     HeadlessRun(const Options& options, const PluginFolder& plugins);
     ~HeadlessRun() override;
 
-    // Runs to the end, frees the objects, and tells what happened. The messages and snapshots have
-    // been written; one that could not makes `outputFailed` true.
+    // Runs to the end, frees the objects, and tells what happened. Messages and snapshots have
+    // been written by then.
     PageReport Run();
-    bool OutputFailed() const { return outputFailed_; }
+    bool SnapshotFailed() const { return snapshots_.Failed(); }
 
     void LetTimePass() override;
 
@@ -46,6 +47,7 @@ private:
     void FinishInstant();
     void DoRound();
     bool IsToolboxBusy() const;
+    bool WaitsForStream() const;
 
     bool IsOver();
     bool IsLoaded() const;
@@ -55,10 +57,6 @@ private:
     void WaitForStreams(SInt64 until);
     bool NeedsTicks() const;
 
-    void TakeDueSnapshots();
-    void TakeLastSnapshots();
-    void TakeSnapshot(const std::string& path);
-    std::optional<SInt64> NextSnapshotTime() const;
     void ShowProgress();
     PageReport MakeReport();
     void EndObjects();
@@ -68,9 +66,7 @@ private:
     Page page_;
     std::unique_ptr<ObjectStarter> starter_;
     std::unique_ptr<UserActions> user_;
-    std::vector<SnapshotRequest> snapshots_; // those with a time, in the order of it
-    size_t nextSnapshot_ = 0;
-    bool outputFailed_ = false;
+    Snapshots snapshots_;
 };
 
 } // namespace viewer

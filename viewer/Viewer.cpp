@@ -41,7 +41,7 @@ int ShowPage(const Options& options, const PluginFolder& plugins)
     if (!options.reportPath.empty()) {
         WriteReportFile(report, options.reportPath);
     }
-    return run.OutputFailed() ? kNotShown : ExitStatusOf(report);
+    return run.SnapshotFailed() ? kNotShown : ExitStatusOf(report);
 }
 
 int Run(const Options& options)

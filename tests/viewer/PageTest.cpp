@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/Page.h"
+
+#include "tests/viewer/FakePlugins.h"
+#include "tests/viewer/TestFiles.h"
+#include "toolbox/threads/Threads.h"
+#include "viewer/PageClock.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using viewer::EmbeddedObject;
+using viewer::ObjectBytes;
+using viewer::Page;
+
+class NoTime : public viewer::HostTime
+{
+public:
+    void LetTimePass() override {}
+};
+
+class PageTest : public testing::Test
+{
+protected:
+    ~PageTest() override { page.FreeObjects(); }
+
+    // Adds an object that does what its name says.
+    EmbeddedObject& Add(const std::string& name)
+    {
+        const std::string path = folder.Write(name, Pattern(1000));
+        auto bytes =
+            std::make_unique<ObjectBytes>(viewer::OpenSource(path), viewer::ArrivalPace(), time);
+        return page.Add(std::make_unique<EmbeddedObject>(
+            viewer::ObjectDescription{name, name, viewer::ObjectType{"video/x-fake"}, 0x1F},
+            std::move(bytes)));
+    }
+    EmbeddedObject& AddStarted(const std::string& name)
+    {
+        EmbeddedObject& object = Add(name);
+        object.Start(*plugins.Folder().Bundles()[0]);
+        page.DrawChanges();
+        return object;
+    }
+    void RunToEnd()
+    {
+        for (int i = 0; i < 10; ++i) {
+            YieldToAnyThread();
+            page.IdleObjects();
+            page.DrawChanges();
+        }
+    }
+    int GreyAt(int v, int h) const
+    {
+        SInt32 rowBytes = 0;
+        const UInt8* pixels = GetPortPixels(page.Port(), &rowBytes);
+        return pixels[v * rowBytes + h * 4 + 1];
+    }
+
+    TestFolder folder;
+    NoTime time;
+    viewer::PageClock clock;
+    FakePlugins plugins;
+    Page page{300, 200};
+};
+
+std::vector<int> Sides(const Rect& rect)
+{
+    return {rect.top, rect.left, rect.bottom, rect.right};
+}
+
+TEST_F(PageTest, AnObjectWithoutDimensionsHasAPlaceholder)
+{
+    const EmbeddedObject& object = Add("a");
+    page.DrawChanges();
+    EXPECT_EQ(Sides(object.Area()), (std::vector<int>{0, 0, 120, 160}));
+    EXPECT_EQ(GreyAt(0, 0), 0xC0);
+    EXPECT_EQ(GreyAt(1, 1), 0xFF);
+}
+
+TEST_F(PageTest, AnObjectIsDisplayedWhenItHasDimensionsAndWhenItIsDone)
+{
+    const EmbeddedObject& object = AddStarted("a-grey7");
+    RunToEnd();
+    EXPECT_EQ(Sides(object.Area()), (std::vector<int>{0, 0, 50, 100}));
+    EXPECT_EQ(GreyAt(49, 99), 7);
+    EXPECT_EQ(GreyAt(50, 99), 0xFF);
+    EXPECT_EQ(plugins.Count("display a-grey7"), 2);
+}
+
+TEST_F(PageTest, WhatStandsBehindMovesUpAndIsDisplayedThere)
+{
+    AddStarted("first-open1000-grey1");
+    const EmbeddedObject& second = AddStarted("second-grey2");
+    page.IdleObjects();
+    RunToEnd();
+    EXPECT_EQ(Sides(second.Area()), (std::vector<int>{0, 108, 50, 208}));
+    EXPECT_EQ(GreyAt(10, 50), 1);
+    EXPECT_EQ(GreyAt(10, 104), 0xFF); // the gap
+    EXPECT_EQ(GreyAt(10, 150), 2);
+    EXPECT_EQ(GreyAt(60, 150), 0xFF); // where the placeholders were
+}
+
+TEST_F(PageTest, EveryCallHasTheObjectsRectangleAsItsClip)
+{
+    AddStarted("a");
+    EmbeddedObject& object = AddStarted("b");
+    RunToEnd();
+    page.Click(object, EventRecord{});
+    EXPECT_EQ(plugins.WrongClips(), 0);
+}
+
+TEST_F(PageTest, FindsTheObjectAtAPlace)
+{
+    const EmbeddedObject& first = AddStarted("a");
+    const EmbeddedObject& second = AddStarted("b");
+    RunToEnd();
+    EXPECT_EQ(page.ObjectAt({49, 99}), &first);
+    EXPECT_EQ(page.ObjectAt({49, 100}), nullptr);
+    EXPECT_EQ(page.ObjectAt({49, 108}), &second);
+    EXPECT_EQ(page.ObjectAt({50, 108}), nullptr);
+}
+
+TEST_F(PageTest, FreesTheObjectsInOrder)
+{
+    AddStarted("a");
+    AddStarted("b");
+    RunToEnd();
+    page.FreeObjects();
+    const std::string log = plugins.Log();
+    EXPECT_LT(log.find("free a"), log.find("free b"));
+    EXPECT_NE(log.find("free b"), std::string::npos);
+}
+
+TEST_F(PageTest, NewRowsOfAnImageAreDrawn30TimesASecond)
+{
+    EmbeddedObject& object = AddStarted("a");
+    RunToEnd();
+    const int displays = plugins.Count("display a");
+    object.TakeDecodedRows(0, 10);
+    page.DrawChanges();
+    EXPECT_EQ(plugins.Count("display a"), displays + 1);
+    object.TakeDecodedRows(10, 20);
+    page.DrawChanges();
+    EXPECT_EQ(plugins.Count("display a"), displays + 1);
+    clock.AdvanceTo(40'000);
+    page.DrawChanges();
+    EXPECT_EQ(plugins.Count("display a"), displays + 2);
+}
+
+} // namespace

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/UserActions.h"
+
+#include "tests/viewer/FakePlugins.h"
+#include "tests/viewer/TestFiles.h"
+#include "toolbox/threads/Threads.h"
+#include "viewer/PageClock.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using viewer::EmbeddedObject;
+using viewer::UserActions;
+using viewer::UserEvent;
+
+class NoTime : public viewer::HostTime
+{
+public:
+    void LetTimePass() override {}
+};
+
+// Two objects side by side, of 100 by 50 pixels.
+class UserActionsTest : public testing::Test
+{
+protected:
+    UserActionsTest()
+    {
+        for (const char* name : {"a", "b"}) {
+            const std::string path = folder.Write(name, "x");
+            page
+                .Add(std::make_unique<EmbeddedObject>(
+                    viewer::ObjectDescription{name, name, viewer::ObjectType{"video/x-fake"}, 0x1F},
+                    std::make_unique<viewer::ObjectBytes>(viewer::OpenSource(path),
+                                                          viewer::ArrivalPace(), time)))
+                .Start(*plugins.Folder().Bundles()[0]);
+        }
+    }
+    ~UserActionsTest() override
+    {
+        RunToEnd();
+        page.FreeObjects();
+    }
+    void RunToEnd()
+    {
+        for (int i = 0; i < 10; ++i) {
+            YieldToAnyThread();
+            page.IdleObjects();
+            page.DrawChanges();
+        }
+    }
+    static UserEvent Click(SInt16 h, SInt16 v, SInt64 at)
+    {
+        return {UserEvent::Kind::kClick, at, {v, h}, 0};
+    }
+    static UserEvent Key(UInt8 character, SInt64 at)
+    {
+        return {UserEvent::Kind::kKey, at, {}, character};
+    }
+
+    TestFolder folder;
+    NoTime time;
+    viewer::PageClock clock;
+    FakePlugins plugins;
+    viewer::Page page{300, 200};
+};
+
+TEST_F(UserActionsTest, AClickIsAPressAndALaterRelease)
+{
+    RunToEnd();
+    UserActions user(page, {Click(110, 20, 1000)}, false);
+    EXPECT_EQ(user.NextTime(), 1000);
+    user.SendDue(1000);
+    EXPECT_EQ(plugins.Count("event b 1 0 20,110"), 1);
+    EXPECT_EQ(plugins.Count("event b 2 0 20,110"), 0);
+    EXPECT_EQ(user.NextTime(), 51'000);
+    user.SendDue(51'000);
+    EXPECT_EQ(plugins.Count("event b 2 0 20,110"), 1);
+    EXPECT_FALSE(user.NextTime());
+}
+
+TEST_F(UserActionsTest, NothingHappensBeforeItsTime)
+{
+    RunToEnd();
+    UserActions user(page, {Click(10, 20, 1000)}, false);
+    user.SendDue(999);
+    EXPECT_EQ(plugins.Log().find("event"), std::string::npos);
+}
+
+TEST_F(UserActionsTest, AClickBesideTheObjectsGoesNowhere)
+{
+    RunToEnd();
+    UserActions user(page, {Click(104, 20, 0)}, false);
+    user.SendDue(1'000'000);
+    EXPECT_EQ(plugins.Log().find("event"), std::string::npos);
+    EXPECT_FALSE(user.NextTime());
+}
+
+TEST_F(UserActionsTest, KeysGoToTheFirstObjectUntilOneIsClicked)
+{
+    RunToEnd();
+    UserActions user(page, {Key(' ', 0), Click(110, 20, 1), Key(28, 2)}, false);
+    user.SendDue(2);
+    EXPECT_EQ(plugins.Count("event a 3 32 0,0"), 1);
+    EXPECT_EQ(plugins.Count("event b 3 28 0,0"), 1);
+}
+
+TEST_F(UserActionsTest, EventsComeInTheOrderOfTheirTimes)
+{
+    RunToEnd();
+    UserActions user(page, {Key('z', 2000), Key('y', 1000)}, false);
+    EXPECT_EQ(user.NextTime(), 1000);
+    user.SendDue(5000);
+    EXPECT_LT(plugins.Log().find("event a 3 121"), plugins.Log().find("event a 3 122"));
+}
+
+TEST_F(UserActionsTest, ThePlayButtonIsClickedOnceItIsThere)
+{
+    UserActions user(page, {}, true);
+    EXPECT_FALSE(user.PlayNewMovies());
+    RunToEnd();
+    EXPECT_TRUE(user.PlayNewMovies());
+    EXPECT_FALSE(user.PlayNewMovies());
+    EXPECT_EQ(plugins.Count("event a 1 0 41,24"), 1);
+    EXPECT_EQ(plugins.Count("event a 2 0 41,24"), 1);
+    EXPECT_EQ(plugins.Count("event b 1 0 41,132"), 1);
+}
+
+TEST_F(UserActionsTest, NothingIsPlayedUnasked)
+{
+    RunToEnd();
+    UserActions user(page, {}, false);
+    EXPECT_FALSE(user.PlayNewMovies());
+}
+
+} // namespace
