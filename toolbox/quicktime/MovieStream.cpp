@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/quicktime/MovieStream.h"
 
+#include "toolbox/quicktime/BareFrames.h"
+
 #include <algorithm>
 #include <array>
 #include <new>
@@ -15,6 +17,8 @@ namespace
 constexpr int kReadBufferSize = 32768;
 constexpr size_t kFiberStackSize = 256 * 1024;
 constexpr size_t kFirstLook = 4096;
+// The demultiplexer of sound finds the first frame itself behind less than this.
+constexpr SInt64 kJunkItsDemuxerSkips = 60000;
 constexpr size_t kLastLook = 1 << 20; // data that is no movie up to here is none
 
 const char* DemuxerName(StreamKind kind)
@@ -89,11 +93,38 @@ Nanoseconds MovieStream::AnnouncedDuration() const
 
 void MovieStream::Run()
 {
-    const bool isOpen = (start_.kind != StreamKind::kUnknown || FindStart()) && OpenFormat();
-    if (isOpen) {
+    const bool isKnown = start_.kind != StreamKind::kUnknown || FindStart();
+    bool hasPackets = isKnown && OpenFormat();
+    if (hasPackets) {
         ReadPackets();
+    } else if (isKnown && start_.kind == StreamKind::kAudio) {
+        hasPackets = ReadBareFrames();
     }
-    step_ = isOpen ? Step::kEnded : Step::kFailed;
+    step_ = hasPackets ? Step::kEnded : Step::kFailed;
+}
+
+// Sound of so few frames that its demultiplexer does not believe in it is found by their headers
+// alone.
+bool MovieStream::ReadBareFrames()
+{
+    format_.reset(avformat_alloc_context());
+    AVStream* const stream = format_ ? avformat_new_stream(format_.get(), nullptr) : nullptr;
+    if (stream == nullptr) {
+        return false;
+    }
+    stream->codecpar->codec_type = AVMEDIA_TYPE_AUDIO;
+    stream->codecpar->codec_id = AV_CODEC_ID_MP3;
+    BareFrames frames(start_.start);
+    bool hasPackets = false;
+    while (!bytes_.IsStopped() &&
+           frames.ReadNext(*packet_, [this](UInt8* to, SInt64 offset, SInt32 count) {
+               return ReadSome(to, offset, count);
+           })) {
+        hasPackets = true;
+        step_ = Step::kPacket;
+        fiber_.Suspend();
+    }
+    return hasPackets;
 }
 
 SInt32 MovieStream::ReadSome(void* dest, SInt64 offset, SInt32 count)
@@ -142,6 +173,9 @@ bool MovieStream::FindStart()
             start_ = Sniff(head.data(), have, expectSound, isAll);
             look = std::min(look * 2, head.size());
         }
+    }
+    if (start_.kind == StreamKind::kAudio && start_.start < kJunkItsDemuxerSkips) {
+        start_.start = 0;
     }
     start_.start += base;
     return start_.kind != StreamKind::kUnknown && !bytes_.IsStopped();

@@ -54,6 +54,7 @@ private:
     SInt64 SkipTags();
     bool OpenFormat();
     void ReadPackets();
+    bool ReadBareFrames();
     SInt32 ReadSome(void* dest, SInt64 offset, SInt32 count);
     static int ReadCallback(void* opaque, UInt8* buffer, int size);
     static SInt64 SizeCallback(void* opaque, SInt64 offset, int whence);
