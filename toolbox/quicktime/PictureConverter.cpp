@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/quicktime/PictureConverter.h"
 
+#include "toolbox/CpuVersions.h"
 #include "toolbox/quickdraw/Drawing.h"
 
 #include <algorithm>
@@ -34,17 +35,15 @@ bool IsSame(const Rect& a, const Rect& b)
 }
 
 // libswscale's fast converters write B, G, R, A; a port's pixels are x, R, G, B, with x zero.
-void PutBytesInOrder(UInt8* row, int width)
+VORN_CPU_VERSIONS void PutBytesInOrder(UInt8* row, int width)
 {
-    for (int x = 0; x < width; ++x) {
+    constexpr UInt32 kColors =
+        std::endian::native == std::endian::little ? 0xFFFFFF00U : 0x00FFFFFFU;
+    for (ptrdiff_t x = 0; x < width; ++x) {
         UInt32 pixel = 0;
-        std::memcpy(&pixel, row + ptrdiff_t{x} * kBytesPerPixel, sizeof pixel);
-        if constexpr (std::endian::native == std::endian::little) {
-            pixel = __builtin_bswap32(pixel) & 0xFFFFFF00U;
-        } else {
-            pixel = __builtin_bswap32(pixel) & 0x00FFFFFFU;
-        }
-        std::memcpy(row + ptrdiff_t{x} * kBytesPerPixel, &pixel, sizeof pixel);
+        std::memcpy(&pixel, row + x * kBytesPerPixel, sizeof pixel);
+        pixel = __builtin_bswap32(pixel) & kColors;
+        std::memcpy(row + x * kBytesPerPixel, &pixel, sizeof pixel);
     }
 }
 
