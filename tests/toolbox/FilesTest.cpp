@@ -15,12 +15,14 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 #include <string>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace
 {
@@ -243,6 +245,10 @@ TEST_F(Files, DeletingForgetsTheFile)
     EXPECT_EQ(fnfErr, FSpDelete(&spec));
     CInfoPBRec block = InfoFor(spec);
     EXPECT_EQ(fnfErr, PBGetCatInfoSync(&block));
+    std::ofstream(Folder() / "movie.mpg") << "another of that name";
+    EXPECT_EQ(noErr, PBGetCatInfoSync(&block));
+    EXPECT_EQ(0U, block.ioFlFndrType);
+    FSpDelete(&spec);
 }
 
 TEST_F(Files, OpeningWhatIsNotThereGivesFnfErr)
@@ -404,6 +410,7 @@ TEST_F(Files, WhatIsNoPlainFileIsNotOpened)
     const FSSpec spec = Spec("pipe");
     SInt16 refNum = -1;
     EXPECT_EQ(fnfErr, FSpOpenDF(&spec, fsRdWrPerm, &refNum));
+    EXPECT_EQ(fnfErr, FSpOpenDF(&spec, fsRdPerm, &refNum)); // and nobody waits for a writer
     FSpDelete(&spec);
 }
 

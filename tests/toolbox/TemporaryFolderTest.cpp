@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/Errors.h"
-#include "toolbox/Types.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -15,6 +15,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace
 {
@@ -29,16 +30,13 @@ public:
     {
         int requests[2];
         int answers[2];
-        if (pipe(requests) != 0 || pipe(answers) != 0) {
+        if (pipe2(requests, O_CLOEXEC) != 0 || pipe2(answers, O_CLOEXEC) != 0) {
             return;
         }
         process_ = fork();
         if (process_ == 0) {
             dup2(requests[0], STDIN_FILENO);
             dup2(answers[1], STDOUT_FILENO);
-            for (const int descriptor : {requests[0], requests[1], answers[0], answers[1]}) {
-                close(descriptor);
-            }
             setenv("TMPDIR", parent.c_str(), 1);
             execl(FOLDER_HOLDER, FOLDER_HOLDER, nullptr);
             _exit(127);
@@ -47,22 +45,30 @@ public:
         close(answers[1]);
         requests_ = requests[1];
         answers_ = fdopen(answers[0], "r");
-        started_ = ReadAnswer();
     }
     ~Holder() { Finish(); }
     Holder(const Holder&) = delete;
     Holder& operator=(const Holder&) = delete;
 
-    int Started() const { return started_; }
+    // Waits until it has its folder, or has not got it.
+    int Started()
+    {
+        if (!started_) {
+            started_ = ReadAnswer();
+        }
+        return *started_;
+    }
 
     int Ask(const std::string& request)
     {
+        Started();
         const std::string line = request + "\n";
         return write(requests_, line.data(), line.size()) > 0 ? ReadAnswer() : -9999;
     }
 
     void Kill()
     {
+        Started();
         kill(process_, SIGKILL);
         Finish();
     }
@@ -71,6 +77,7 @@ public:
     void Finish()
     {
         if (process_ > 0) {
+            Started();
             close(requests_);
             waitpid(process_, nullptr, 0);
             fclose(answers_);
@@ -88,7 +95,7 @@ private:
     pid_t process_ = -1;
     int requests_ = -1;
     FILE* answers_ = nullptr;
-    int started_ = -9999;
+    std::optional<int> started_;
 };
 
 class TemporaryFolder : public testing::Test
@@ -123,7 +130,7 @@ protected:
 
 TEST_F(TemporaryFolder, StandsUnderTmpdirWithARecognizableName)
 {
-    const Holder holder(parent_);
+    Holder holder(parent_);
     ASSERT_EQ(noErr, holder.Started());
     ASSERT_EQ(1U, Folders().size());
     EXPECT_EQ(0U, Folders().front().filename().string().find("vorn-spool-"));
@@ -143,7 +150,8 @@ TEST_F(TemporaryFolder, RemovesWhatADeadProcessLeft)
     dead.Kill();
     ASSERT_EQ(1U, Folders().size());
     const fs::path left = Folders().front();
-    const Holder next(parent_);
+    Holder next(parent_);
+    ASSERT_EQ(noErr, next.Started());
     EXPECT_FALSE(fs::exists(left));
     EXPECT_EQ(1U, Folders().size());
 }
@@ -151,12 +159,28 @@ TEST_F(TemporaryFolder, RemovesWhatADeadProcessLeft)
 TEST_F(TemporaryFolder, LeavesLiveProcessesTheirs)
 {
     Holder first(parent_);
+    ASSERT_EQ(noErr, first.Started());
     Holder second(parent_);
+    ASSERT_EQ(noErr, second.Started());
     EXPECT_EQ(2U, Folders().size());
     EXPECT_EQ(noErr, first.Ask("lookup"));
     second.Finish();
     EXPECT_EQ(noErr, first.Ask("open"));
     EXPECT_EQ(1U, Folders().size());
+}
+
+TEST_F(TemporaryFolder, EveryProcessOfManyThatStartAtOnceGetsOneOfItsOwn)
+{
+    LeaveAbandonedFolder();
+    std::vector<std::unique_ptr<Holder>> holders;
+    for (int number = 0; number < 16; ++number) {
+        holders.push_back(std::make_unique<Holder>(parent_));
+    }
+    for (const auto& holder : holders) {
+        EXPECT_EQ(noErr, holder->Started());
+        EXPECT_EQ(noErr, holder->Ask("open"));
+    }
+    EXPECT_EQ(16U, Folders().size());
 }
 
 TEST_F(TemporaryFolder, IsMadeOncePerProcess)
@@ -179,7 +203,7 @@ TEST_F(TemporaryFolder, TouchesNothingButItsOwnKindOfFolder)
     const fs::path other = LeaveAbandonedFolder("someone-elses");
     const fs::path file = parent_ / "vorn-spool-file";
     std::ofstream(file) << "not a folder";
-    const Holder holder(parent_);
+    Holder holder(parent_);
     EXPECT_EQ(noErr, holder.Started());
     EXPECT_TRUE(fs::exists(other / "movie.mpg"));
     EXPECT_TRUE(fs::exists(file));
@@ -189,7 +213,8 @@ TEST_F(TemporaryFolder, FollowsNoLinkThatBearsItsName)
 {
     const fs::path other = LeaveAbandonedFolder("someone-elses");
     fs::create_directory_symlink(other, parent_ / "vorn-spool-link");
-    const Holder holder(parent_);
+    Holder holder(parent_);
+    EXPECT_EQ(noErr, holder.Started());
     EXPECT_TRUE(fs::exists(other / "movie.mpg"));
     EXPECT_TRUE(fs::is_symlink(parent_ / "vorn-spool-link"));
 }
@@ -201,7 +226,8 @@ TEST_F(TemporaryFolder, RemovesOnlyPlainFiles)
     std::ofstream(target) << "kept";
     fs::create_symlink(target, left / "link");
     fs::create_directory(left / "inner");
-    const Holder holder(parent_);
+    Holder holder(parent_);
+    EXPECT_EQ(noErr, holder.Started());
     EXPECT_FALSE(fs::exists(left / "movie.mpg"));
     EXPECT_TRUE(fs::is_symlink(left / "link"));
     EXPECT_TRUE(fs::exists(left / "inner"));
@@ -215,13 +241,15 @@ TEST_F(TemporaryFolder, LeavesAnotherUsersFolderAlone)
     }
     const fs::path left = LeaveAbandonedFolder();
     ASSERT_EQ(0, chown(left.c_str(), 12345, 12345));
-    const Holder holder(parent_);
+    Holder holder(parent_);
+    EXPECT_EQ(noErr, holder.Started());
     EXPECT_TRUE(fs::exists(left / "movie.mpg"));
 }
 
 TEST_F(TemporaryFolder, GivesDirNFErrOnceSomebodyHasRemovedIt)
 {
     Holder holder(parent_);
+    ASSERT_EQ(noErr, holder.Started());
     ASSERT_EQ(1U, Folders().size());
     fs::remove_all(Folders().front());
     EXPECT_EQ(dirNFErr, holder.Ask("create"));
@@ -231,7 +259,7 @@ TEST_F(TemporaryFolder, GivesDirNFErrOnceSomebodyHasRemovedIt)
 
 TEST_F(TemporaryFolder, IsNotThereIfItsParentIsNot)
 {
-    const Holder holder(parent_ / "nowhere");
+    Holder holder(parent_ / "nowhere");
     EXPECT_EQ(fnfErr, holder.Started());
 }
 
@@ -241,7 +269,7 @@ TEST_F(TemporaryFolder, IsNotThereIfItsParentMayNotBeWritten)
         GTEST_SKIP() << "root may write everywhere";
     }
     ASSERT_EQ(0, chmod(parent_.c_str(), 0500));
-    const Holder holder(parent_);
+    Holder holder(parent_);
     EXPECT_EQ(permErr, holder.Started());
 }
 
