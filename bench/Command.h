@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+// A command as it is handed to a process: ends with a null pointer.
+using Command = std::vector<char*>;
+
+// What one run of a command took.
+struct CommandUsage {
+    double wallSeconds = 0;
+    double processorSeconds = 0; // of all its threads, user and system
+    double peakMebibytes = 0;    // resident
+};
+
+// Runs a command to its end; what it says on standard output is dropped. Throws
+// std::runtime_error if it cannot be started or fails.
+CommandUsage RunCommand(const Command& command);
+
+// Takes the arguments from `at` up to "--" or the end as a command and goes past them. Throws
+// std::runtime_error if there are none.
+Command TakeCommand(char**& at);
