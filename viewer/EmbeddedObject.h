@@ -54,7 +54,7 @@ public:
     void Free();
     // After a Cancel and a Free: it waits as if it had never been started.
     void WaitAgain();
-    // To be called after each round of yields and an Idle: notes what came of it.
+    // To be called after each round of yields, Idle and drawing: notes what came of it.
     void Observe();
     // Decoding has ended and a round of yields and an Idle have passed since, or it never will.
     bool IsSettled() const;

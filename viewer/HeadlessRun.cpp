@@ -88,13 +88,14 @@ void HeadlessRun::FinishInstant()
     }
 }
 
-// In a round every object takes at most one portion of bytes, so that what they make possible is
-// seen before the next one is taken.
+// In a round every object takes at most one portion of bytes, and what they make possible is seen
+// before the next one is taken.
 void HeadlessRun::DoRound()
 {
     YieldToAnyThread();
     page_.IdleObjects();
     page_.DrawChanges();
+    page_.ObserveObjects();
     user_->PlayNewMovies();
     starter_->Step();
 }

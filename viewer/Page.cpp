@@ -62,7 +62,6 @@ void Page::IdleObjects()
     for (const auto& object : objects_) {
         PreparePort(object->Area());
         object->Idle();
-        object->Observe();
     }
 }
 
@@ -81,6 +80,13 @@ void Page::DrawChanges()
         }
     }
     DrawNewRows();
+}
+
+void Page::ObserveObjects()
+{
+    for (const auto& object : objects_) {
+        object->Observe();
+    }
 }
 
 // What moved is wiped out at its old place first, because something else may stand there now.

@@ -12,7 +12,7 @@ namespace viewer
 {
 
 // Knows nothing of where the port is shown and how time passes: whoever runs the page calls
-// IdleObjects and DrawChanges after each round of yields.
+// IdleObjects, DrawChanges and ObserveObjects after each round of yields.
 class Page
 {
 public:
@@ -27,10 +27,12 @@ public:
     const std::vector<std::unique_ptr<EmbeddedObject>>& Objects() const { return objects_; }
     CGrafPtr Port() const { return port_; }
 
-    // Gives every object time, and notes what came of it.
+    // Gives every object time.
     void IdleObjects();
     // Lays the page out again if an object told its size, and draws what is new.
     void DrawChanges();
+    // Notes what came of the round.
+    void ObserveObjects();
     // The object at a place of the page, null for none.
     EmbeddedObject* ObjectAt(Point place) const;
     // Offers an event to an object; true if it took it.
