@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/datahandler/DataHandlerTest.h"
+
+namespace test
+{
+
+// An instance with requests in its queues.
+class RequestQueues : public DataHandlerTest
+{
+protected:
+    char* Place(int number) { return buffer + 100 * number; }
+    bool IsEmpty(CLinkedList& queue)
+    {
+        queue.ResetToFirst();
+        return queue.NextItem() == nullptr;
+    }
+    ComponentResult Finish(char* place, unsigned char cancel)
+    {
+        return Call(kDataHFinishDataSelect, place, cancel);
+    }
+    bool IsUntouched(const char* place, int size)
+    {
+        return std::count(place, place + size, char{0}) == size;
+    }
+};
+
+} // namespace test
