@@ -19,7 +19,9 @@ double SecondsOf(const timeval& time)
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
-pid_t Start(const Command& command)
+} // namespace
+
+pid_t StartCommand(const Command& command)
 {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -35,14 +37,12 @@ pid_t Start(const Command& command)
     return process;
 }
 
-} // namespace
-
 CommandUsage RunCommand(const Command& command)
 {
     const auto start = std::chrono::steady_clock::now();
     int status = 0;
     rusage usage{};
-    const pid_t process = Start(command);
+    const pid_t process = StartCommand(command);
     if (wait4(process, &status, 0, &usage) != process || status != 0) {
         throw std::runtime_error(std::string(command[0]) + " failed");
     }
