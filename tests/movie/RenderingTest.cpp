@@ -33,6 +33,24 @@ TEST_F(Rendering, RendersInItsOrder)
     EndTasking(*plugin);
 }
 
+TEST_F(Rendering, HasFileAndThreadWhileDataArrive)
+{
+    auto plugin = MakePlugin();
+    host.arrivals = {100};
+    int asked = 0;
+    host.onGetData = [&] {
+        ++asked;
+        EXPECT_TRUE(plugin->spoolFileCreated);
+        EXPECT_TRUE(FileExists(plugin->spoolFileSpec));
+        EXPECT_NE(plugin->taskingThread, kNoThreadID);
+        EXPECT_FALSE(plugin->allDataSpooled);
+    };
+    plugin->Render();
+    EXPECT_EQ(asked, 2);
+    EXPECT_TRUE(plugin->allDataSpooled);
+    EndTasking(*plugin);
+}
+
 TEST_F(Rendering, ListenersHearEveryChunkThatBroughtBytes)
 {
     KeptProgress listener;
