@@ -382,6 +382,27 @@ TEST(ArrivingMovie, StandsStillWhereBytesAreMissingAndGoesOnFromThere)
     EXPECT_EQ(page.Statistics().picturesDropped, 0);
 }
 
+TEST(ArrivingMovie, DoesNotAskAgainWhileNothingComes)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    ASSERT_EQ(page.Open(), noErr);
+    page.data.ArriveUpTo(page.data.Size() / 2);
+    ASSERT_TRUE(page.ShowIfPlayable());
+    page.ClickPlay();
+    for (int tick = 0; tick < 60 * 5; ++tick) {
+        page.now += kTick;
+        page.Idle();
+    }
+    ASSERT_TRUE(page.Statistics().waiting);
+    const int asked = page.data.Asked();
+    for (int tick = 0; tick < 60; ++tick) {
+        page.now += kTick;
+        page.Idle();
+        MoviesTask(page.movie, 0);
+    }
+    EXPECT_EQ(page.data.Asked(), asked);
+}
+
 TEST(ArrivingMovie, DoesNotWaitForEverForASecondTrackThatEndsEarly)
 {
     // Sound that covers only the first second of four, in a stream that stays open.

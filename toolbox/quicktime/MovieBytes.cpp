@@ -32,12 +32,26 @@ OSErr MovieBytes::Ask(SInt64 offset, SInt32 size)
                                  reinterpret_cast<RefCon>(this), &when_, Completed);
 }
 
-// Whether the bytes came or not, the request ends with the slice in which it is looked at: one
-// that reaches past the final end would never be completed.
+MovieBytes::Sizes MovieBytes::LookAtSizes()
+{
+    return {handler_.AvailableSize(), handler_.FileSize()};
+}
+
+// A request that reaches past the final end is never completed: it is taken back, to be asked
+// again, when the sizes tell that loading may be over. Not before: data handlers may keep
+// something for each request they ever had.
 void MovieBytes::WaitForSlice(Fiber& reader)
 {
+    const Sizes before = LookAtSizes();
+    bool mayBeOver = false;
     waiting_ = true;
-    reader.Suspend();
+    while (request_ == Request::kPending && !stopped_ && !mayBeOver) {
+        reader.Suspend();
+        if (!stopped_) {
+            const Sizes now = LookAtSizes();
+            mayBeOver = now != before || now.available == now.whole;
+        }
+    }
     waiting_ = false;
     if (!stopped_) {
         TakeBack();

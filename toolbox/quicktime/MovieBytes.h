@@ -42,6 +42,12 @@ public:
 private:
     enum class Request { kNone, kPending, kDone, kCancelled };
     static constexpr SInt32 kBlock = 32768;
+    struct Sizes {
+        SInt32 available = 0;
+        SInt32 whole = 0;
+        bool operator==(const Sizes&) const = default;
+    };
+    Sizes LookAtSizes();
     static void Completed(char* place, RefCon refCon, OSErr err);
     SInt64 BytesThere(SInt64 offset);
     OSErr Ask(SInt64 offset, SInt32 size);
