@@ -8,11 +8,12 @@
 #include <functional>
 #include <memory>
 
-namespace toolbox {
+namespace toolbox
+{
 
 class Fiber
 {
-  public:
+public:
     // Throws std::bad_alloc if there is no stack to be had. `stackSize` is a minimum in bytes.
     Fiber(std::function<void()> body, size_t stackSize);
     // The body must have ended or never have been started.
@@ -29,7 +30,7 @@ class Fiber
     bool IsRunning() const; // between Resume and the suspension or end it leads to
     bool IsEnded() const;
 
-  private:
+private:
     struct State;
     std::unique_ptr<State> state_;
 };

@@ -6,7 +6,8 @@
 struct CGrafPort;
 struct GDeviceRecord;
 
-namespace toolbox {
+namespace toolbox
+{
 
 struct ThreadGlobals {
     CGrafPort* port = nullptr;
