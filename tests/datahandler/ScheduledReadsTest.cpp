@@ -182,6 +182,16 @@ TEST_F(ScheduledReads, FinishingWaitsForTheBytesOfOneRequest)
     EXPECT_TRUE(Holds(Place(1), 500, 100));
 }
 
+TEST_F(ScheduledReads, ProcessingOneRequestWaitsForItsBytesAlsoWithoutForce)
+{
+    Open("video/quicktime", 0, 500);
+    Schedule(buffer, 450, 100, 42);
+    const CooperativeThread bringer([this] { Spool(*plugin, 100); });
+    handler->ProcessScheduleDataCallbacks(buffer, false, false);
+    EXPECT_EQ(completions, (Completions{{buffer, 42, noErr}}));
+    EXPECT_TRUE(Holds(buffer, 450, 100));
+}
+
 TEST_F(ScheduledReads, FinishingTellsTheErrorToTheCompletionRoutine)
 {
     Open("video/quicktime", 0, 500);
@@ -241,10 +251,13 @@ TEST_F(ScheduledReads, PollingCopiesWhatIsThereAndKeepsTheRequest)
 TEST_F(ScheduledReads, PollingBeforeTheFirstByteGivesNone)
 {
     Open("video/quicktime", 0, 500);
-    Schedule(buffer, 500, 100);
-    UInt32 count = 77;
-    EXPECT_EQ(Call(kDataHPollReadSelect, buffer, &count), noErr);
-    EXPECT_EQ(count, 0u);
+    Schedule(Place(0), 500, 100);
+    Schedule(Place(1), 600, 100);
+    for (char* const place : {Place(0), Place(1)}) {
+        UInt32 count = 77;
+        EXPECT_EQ(Call(kDataHPollReadSelect, place, &count), noErr);
+        EXPECT_EQ(count, 0u);
+    }
 }
 
 TEST_F(ScheduledReads, PollingNeverGivesMoreThanWasAskedFor)
