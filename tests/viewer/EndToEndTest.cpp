@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
 // The program on the movie bundle, with clips made by the ffmpeg program.
-#include "tests/viewer/RunningViewer.h"
+#include "tests/viewer/EndToEnd.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <random>
+#include <cstdlib>
 #include <sstream>
-#include <sys/stat.h>
-#include <thread>
-#include <unistd.h>
 
 namespace
 {
@@ -19,78 +14,6 @@ namespace
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-std::string Clip(const std::string& name)
-{
-    return std::string(VORN_CLIPS) + "/" + name;
-}
-
-std::string ReadFile(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-// What a plain decode gives: the sound, and the number of pictures.
-std::string SoundOf(const std::string& clip)
-{
-    return ReadFile(Clip(clip) + ".pcm");
-}
-int PicturesOf(const std::string& clip)
-{
-    const std::string text = ReadFile(Clip(clip) + ".pictures");
-    return text.empty() ? 0 : std::stoi(text);
-}
-
-class EndToEnd : public testing::Test
-{
-protected:
-    ViewerResult Run(const std::vector<std::string>& arguments) { return viewer.Run(arguments); }
-    std::string Write(const std::string& name, const std::string& contents) const
-    {
-        return viewer.Folder().Write(name, contents);
-    }
-
-    RunningViewer viewer;
-};
-
-class EveryClip : public EndToEnd, public testing::WithParamInterface<const char*>
-{
-};
-
-TEST_P(EveryClip, PlaysEveryPictureAndEverySample)
-{
-    const ViewerResult result = Run({"--play", Clip(GetParam())});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(result.Object()["error"], 0);
-    EXPECT_EQ(result.Object()["complete"], true);
-    EXPECT_EQ(result.Object()["pictures_shown"], PicturesOf(GetParam()));
-    EXPECT_EQ(result.Object()["pictures_dropped"], 0);
-    EXPECT_TRUE(result.wav == SoundOf(GetParam())) << result.wav.size() << " bytes of sound";
-    EXPECT_EQ(result.err, "");
-}
-
-TEST_P(EveryClip, PlaysTheSameAtEveryRateOfArrival)
-{
-    const ViewerResult atOnce = Run({"--play", Clip(GetParam())});
-    for (const char* rate : {"30000", "262144", "5000000"}) {
-        const ViewerResult slow = Run({"--play", "--arrive", rate, Clip(GetParam())});
-        EXPECT_EQ(slow.status, 0) << rate;
-        EXPECT_EQ(slow.Object()["pictures_shown"], atOnce.Object()["pictures_shown"]) << rate;
-        EXPECT_TRUE(slow.wav == atOnce.wav) << rate;
-        EXPECT_TRUE(slow.snapshot == atOnce.snapshot) << rate;
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(EndToEnd, EveryClip,
-                         testing::Values("mpeg1.mpg", "mpeg2.mpg", "silent.mpg", "early.mpg",
-                                         "tiny.mpg", "video.m1v", "video.m2v", "sound.mp2",
-                                         "sound.mp3"),
-                         [](const auto& each) {
-                             std::string name = each.param;
-                             name[name.find('.')] = '_';
-                             return name;
-                         });
 
 TEST_F(EndToEnd, TheFirstPictureIsThereBy82KiB)
 {
@@ -169,122 +92,30 @@ TEST_F(EndToEnd, TwentyMoviesPlayAtOnce)
     }
 }
 
-class NoMovie : public EndToEnd
-{
-protected:
-    void ExpectNoMovieIn(const std::string& contents)
-    {
-        for (const std::vector<std::string>& pace :
-             {std::vector<std::string>{}, {"--arrive", "100000"}}) {
-            std::vector<std::string> arguments = pace;
-            arguments.push_back(Write("clip.mpg", contents));
-            const ViewerResult result = Run(arguments);
-            EXPECT_EQ(result.status, 1);
-            EXPECT_EQ(result.Object()["error"], -2048);
-            EXPECT_TRUE(result.Object()["first_picture"].is_null());
-            EXPECT_THAT(result.err, HasSubstr("clip.mpg: there is no movie in it (error -2048)"));
-        }
-    }
-};
-
-TEST_F(NoMovie, InATextFile)
-{
-    std::string text;
-    while (text.size() < 200'000) {
-        text += "This is no movie, whatever its name says.\n";
-    }
-    ExpectNoMovieIn(text);
-}
-
-TEST_F(NoMovie, InAnEmptyFile)
-{
-    ExpectNoMovieIn("");
-}
-
-TEST_F(NoMovie, InRandomBytes)
-{
-    std::mt19937 random(6);
-    std::string bytes(150'000, '\0');
-    for (char& byte : bytes) {
-        byte = static_cast<char>(random() & 0x7F); // no start of an audio frame
-    }
-    ExpectNoMovieIn(bytes);
-}
-
-TEST_F(EndToEnd, ATruncatedMoviePlaysWhatThereIs)
-{
-    const std::string whole = ReadFile(Clip("mpeg1.mpg"));
-    const ViewerResult result =
-        Run({"--play", Write("cut.mpg", whole.substr(0, whole.size() / 2))});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_GT(result.Object()["pictures_shown"], 40);
-    EXPECT_LT(result.Object()["pictures_shown"], 80);
-}
-
-TEST_F(EndToEnd, AMissingFileDoesNotStopTheOthers)
-{
-    const ViewerResult result = Run({"no-such.mpg", Clip("tiny.mpg")});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.Object(0)["error"], -43);
-    EXPECT_EQ(result.Object(1)["error"], 0);
-    EXPECT_THAT(result.err, HasSubstr("no-such.mpg: No such file"));
-}
-
-TEST_F(EndToEnd, WhatNoBundleAcceptsIsTold)
-{
-    const ViewerResult result = Run({Write("letter.txt", "Dear reader")});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.Object()["error"], -50);
-    EXPECT_THAT(result.err, HasSubstr("nothing here can show"));
-}
-
-// Sends a clip through a FIFO, with a pause in the middle.
-class Sender
-{
-public:
-    Sender(std::string path, std::string bytes, size_t pauseAt, int milliseconds)
-        : thread_([=] {
-              const int fifo = open(path.c_str(), O_WRONLY);
-              Send(fifo, bytes.substr(0, pauseAt));
-              std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-              Send(fifo, bytes.substr(pauseAt));
-              close(fifo);
-          })
-    {
-    }
-    ~Sender() { thread_.join(); }
-
-private:
-    static void Send(int fifo, const std::string& bytes)
-    {
-        for (size_t sent = 0; sent < bytes.size();) {
-            const ssize_t put = write(fifo, bytes.data() + sent, bytes.size() - sent);
-            if (put <= 0) {
-                return;
-            }
-            sent += static_cast<size_t>(put);
-        }
-    }
-    std::thread thread_;
-};
-
-TEST_F(EndToEnd, AFifoThatStallsPlaysToItsEnd)
-{
-    const std::string path = viewer.Folder().Path("stream.mpg");
-    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    const Sender sender(path, ReadFile(Clip("mpeg1.mpg")), 200'000, 700);
-    const ViewerResult result = Run({"--play", path});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(result.Object()["pictures_shown"], PicturesOf("mpeg1.mpg"));
-    EXPECT_TRUE(result.wav == SoundOf("mpeg1.mpg"));
-}
-
 TEST_F(EndToEnd, NoFileIsLeftBehind)
 {
     Run({"--play", Clip("mpeg1.mpg"), Clip("sound.mp3")});
     Run({"--arrive", "50000", "--until", "2", Clip("mpeg1.mpg")});
     Run({Write("clip.mpg", "no movie")});
     EXPECT_THAT(viewer.LeftBehind(), IsEmpty());
+}
+
+TEST_F(EndToEnd, AReportThatCannotBeWrittenIsTold)
+{
+    const ViewerResult result = Run({"--report", "/no/such/folder.json", Clip("tiny.mpg")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("/no/such/folder.json"));
+}
+
+TEST_F(EndToEnd, StandardInputIsAnObject)
+{
+    const std::string command = std::string("cat ") + Clip("mpeg1.mpg") + " | " + VORNVIEW +
+                                " --headless --play --type video/mpeg --report " +
+                                viewer.Folder().Path("r.json") + " - > /dev/null";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const nlohmann::json report = nlohmann::json::parse(viewer.Folder().Read("r.json"));
+    EXPECT_EQ(report["objects"][0]["name"], "-");
+    EXPECT_EQ(report["objects"][0]["pictures_shown"], PicturesOf("mpeg1.mpg"));
 }
 
 TEST_F(EndToEnd, UntilEndsTheClock)

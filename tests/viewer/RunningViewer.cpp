@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/viewer/RunningViewer.h"
 
+#include <chrono>
+#include <csignal>
 #include <fcntl.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace
@@ -35,12 +38,17 @@ void SendTo(const std::string& path, int descriptor)
 
 } // namespace
 
-ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::string& temporary)
+ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::string& temporary,
+                         int interruptAfter)
 {
     const TestFolder output;
     const pid_t child = fork();
     if (child == 0) {
         BecomeVornview(arguments, temporary, output);
+    }
+    if (interruptAfter > 0) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(interruptAfter));
+        kill(child, SIGINT);
     }
     int status = 0;
     waitpid(child, &status, 0);
@@ -53,6 +61,11 @@ ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::s
 
 ViewerResult RunningViewer::Run(std::vector<std::string> arguments)
 {
+    return RunAndInterrupt(std::move(arguments), 0);
+}
+
+ViewerResult RunningViewer::RunAndInterrupt(std::vector<std::string> arguments, int milliseconds)
+{
     for (const char* old : {"report.json", "sound.wav", "end.png"}) {
         std::filesystem::remove(folder_.Path(old));
     }
@@ -60,7 +73,7 @@ ViewerResult RunningViewer::Run(std::vector<std::string> arguments)
                      {"--headless", "--report", folder_.Path("report.json"), "--wav",
                       folder_.Path("sound.wav"), "--snapshot", folder_.Path("end.png")});
     std::filesystem::create_directories(folder_.Path("tmp"));
-    ViewerResult result = RunVornview(arguments, folder_.Path("tmp"));
+    ViewerResult result = RunVornview(arguments, folder_.Path("tmp"), milliseconds);
     result.report = nlohmann::json::parse(folder_.Read("report.json"), nullptr, false);
     const std::string wav = folder_.Read("sound.wav");
     result.wav = wav.size() < kWavHeaderSize ? "" : wav.substr(kWavHeaderSize);

@@ -26,6 +26,8 @@ class RunningViewer
 {
 public:
     ViewerResult Run(std::vector<std::string> arguments);
+    // The same, but sends it SIGINT after that time.
+    ViewerResult RunAndInterrupt(std::vector<std::string> arguments, int milliseconds);
     // What runs have left in their TMPDIR.
     std::vector<std::string> LeftBehind() const;
     const TestFolder& Folder() const { return folder_; }
@@ -34,5 +36,7 @@ private:
     TestFolder folder_;
 };
 
-// The program with just these arguments.
-ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::string& temporary);
+// The program with just these arguments. It gets SIGINT after `interruptAfter` milliseconds, if
+// that is not 0.
+ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::string& temporary,
+                         int interruptAfter = 0);
