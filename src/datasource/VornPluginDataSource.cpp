@@ -78,18 +78,23 @@ OSErr VornPluginDataSource::CreateDataCache(SInt32 offset, SInt32 size)
 
 OSErr VornPluginDataSource::FillDataCache(SInt32 offset, SInt32* count)
 {
-    OSErr err = noErr;
-    if (cacheHandle) {
-        LockedBlock lock(cacheHandle);
-        err = FetchDataFromSource(*cacheHandle, offset, count, false);
-    } else {
-        // There is no block to fill; the host is only asked how long the data is.
-        *count = 0;
-        err = FetchDataFromSource(nullptr, offset, count, false);
-    }
+    const OSErr err = cacheHandle ? FetchIntoCache(offset, count) : AskForSize(offset, count);
     cacheStart = offset;
     cacheLength = *count;
     return err;
+}
+
+OSErr VornPluginDataSource::FetchIntoCache(SInt32 offset, SInt32* count)
+{
+    const LockedBlock lock(cacheHandle);
+    return FetchDataFromSource(*cacheHandle, offset, count, false);
+}
+
+// There is no block to fill; the host is only asked how long the data are.
+OSErr VornPluginDataSource::AskForSize(SInt32 offset, SInt32* count)
+{
+    *count = 0;
+    return FetchDataFromSource(nullptr, offset, count, false);
 }
 
 void VornPluginDataSource::RemoveDataCache()

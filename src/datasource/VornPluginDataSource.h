@@ -44,6 +44,8 @@ public:
     SInt32 cacheLength = 0;       // valid bytes
 
 private:
+    OSErr FetchIntoCache(SInt32 offset, SInt32* count);
+    OSErr AskForSize(SInt32 offset, SInt32* count);
     SInt64 CacheEnd() const { return SInt64{cacheStart} + cacheLength; }
     bool CacheHolds(SInt32 offset, SInt32 count) const;
     UInt8* CachedBytes(SInt32 offset) const;

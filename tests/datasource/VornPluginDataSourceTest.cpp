@@ -2,10 +2,10 @@
 #include "src/datasource/VornPluginDataSource.h"
 
 #include "tests/support/ErrorOf.h"
-#include "tests/support/ToolboxProbe.h"
 #include "tests/support/ScriptedHost.h"
 #include "tests/support/TestBundle.h"
 #include "tests/support/TestPlugin.h"
+#include "tests/support/ToolboxProbe.h"
 #include "toolbox/Errors.h"
 #include "toolbox/memory/Memory.h"
 #include "toolbox/probe/Probe.h"
@@ -19,8 +19,8 @@
 
 using test::Arrival;
 using test::ErrorOf;
-using test::ToolboxProbe;
 using test::ScriptedHost;
+using test::ToolboxProbe;
 
 namespace
 {
@@ -174,6 +174,14 @@ TEST_F(StreamDataSource, AHitDoesNotCallTheHost)
     EXPECT_EQ(Requests(), before + 1);
 }
 
+TEST_F(StreamDataSource, AReadOfNothingWithinTheCacheIsAHit)
+{
+    Serve(Document(10000));
+    source.PrepareDataSource();
+    EXPECT_EQ(Get(0, 0), noErr);
+    EXPECT_EQ(Requests(), 1U);
+}
+
 TEST_F(StreamDataSource, ALargeReadGoesStraightToTheHostAndLeavesTheCache)
 {
     Serve(Document(10000));
@@ -293,6 +301,24 @@ TEST_F(StreamDataSource, WithoutACacheAReadOfNothingOnlyAsksForTheLength)
     EXPECT_EQ(source.dataSize, 100);
 }
 
+TEST_F(StreamDataSource, WithoutACacheThereIsNothingToFill)
+{
+    Serve(Document(100), {{100, false, kDataNotAvailableErr}});
+    SInt32 count = 10;
+    EXPECT_EQ(source.FillDataCache(7, &count), kDataNotAvailableErr);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(host->dataRequests.back().count, 0);
+}
+
+TEST_F(StreamDataSource, ACacheThatCouldNotBeFilledIsThereAndEmpty)
+{
+    Serve(Document(10000), {{10000, true, ioErr}});
+    EXPECT_EQ(ErrorOf([&] { source.CreateDataCache(500, 100); }), ioErr);
+    EXPECT_EQ(source.cacheStart, 500);
+    EXPECT_EQ(source.cacheCapacity, 100);
+    EXPECT_EQ(source.cacheLength, 0);
+}
+
 TEST_F(StreamDataSource, ACacheThatCannotBeReplacedIsKept)
 {
     Serve(Document(10000));
@@ -305,11 +331,35 @@ TEST_F(StreamDataSource, ACacheThatCannotBeReplacedIsKept)
     EXPECT_EQ(source.cacheLength, 4096);
 }
 
-TEST_F(StreamDataSource, FillingKeepsTheBlockInItsPlaceAndUnlocksItAgain)
+namespace
+{
+
+// While getData runs: the block of this source, and the state it was seen in.
+const VornPluginDataSource* gWatched = nullptr;
+SInt8 gStateSeen = 0;
+
+} // namespace
+
+TEST_F(StreamDataSource, TheBlockIsLockedWhileTheHostFillsIt)
+{
+    Serve(Document(10000));
+    VornPluginHostCalls calls = ScriptedHost::Calls();
+    calls.getData = [](VornPlugin* object, void* dest, SInt32 offset, SInt32* count,
+                       SInt32* dataSize, unsigned char* dataComplete) {
+        gStateSeen = HGetState(gWatched->cacheHandle);
+        return ScriptedHost::Calls().getData(object, dest, offset, count, dataSize, dataComplete);
+    };
+    SetupPluginHostCalls(&calls);
+    gWatched = &source;
+    source.PrepareDataSource();
+    EXPECT_NE(gStateSeen, 0);
+    EXPECT_EQ(HGetState(source.cacheHandle), 0);
+}
+
+TEST_F(StreamDataSource, FillingPutsBackTheStateThatTheBlockHad)
 {
     Serve(Document(10000));
     source.PrepareDataSource();
-    EXPECT_EQ(HGetState(source.cacheHandle), 0);
     HLock(source.cacheHandle);
     Get(5000, 4);
     EXPECT_NE(HGetState(source.cacheHandle), 0);
