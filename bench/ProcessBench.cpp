@@ -45,6 +45,7 @@ struct Comparison {
 double Median(const std::vector<CommandUsage>& usages, const Quantity& quantity)
 {
     std::vector<double> values;
+    values.reserve(usages.size());
     for (const CommandUsage& usage : usages) {
         values.push_back(usage.*quantity.value * quantity.scale);
     }

@@ -325,9 +325,9 @@ static void WritePicture(const char* path)
     if (file == NULL)
         Fail(path, "cannot be written");
     fprintf(file, "P6\n%d %d\n255\n", kPageWidth, kPageHeight);
-    for (int v = 0; v < kPageHeight; ++v) {
-        for (int h = 0; h < kPageWidth; ++h)
-            fwrite(pixels + v * (ptrdiff_t)rowBytes + h * 4 + 1, 1, 3, file);
+    for (ptrdiff_t v = 0; v < kPageHeight; ++v) {
+        for (ptrdiff_t h = 0; h < kPageWidth; ++h)
+            fwrite(pixels + v * rowBytes + h * 4 + 1, 1, 3, file);
     }
     isWritten = !ferror(file);
     if (fclose(file) != 0 || !isWritten)
