@@ -17,7 +17,7 @@ constexpr SInt64 kBytesPerSlice = 256 * 1024;
 constexpr int kPacketsPerSlice = 256;
 // A systems stream that has shown no picture after this much has only sound.
 constexpr SInt64 kSoundAloneAfter = 256 * 1024;
-constexpr SInt64 kEverything = INT32_MAX;
+constexpr SInt64 kMostAtOnce = 4 * 1024 * 1024;
 
 class BusyMark
 {
@@ -65,12 +65,32 @@ void MovieRecord::Slice()
         return;
     }
     const BusyMark mark(isBusy_);
-    index_->TakeIn(kBytesPerSlice);
+    TakeInSome();
     OpenSome(kPacketsPerSlice);
     if (isPlaying_) {
         PlayDue();
     }
     DrawIfNew();
+}
+
+// Once everything is there, whatever is left is taken in slice by slice.
+void MovieRecord::TakeInSome()
+{
+    const SInt64 budget =
+        IsEverythingThere() ? kBytesPerSlice : indexBudget_.At(ToolboxMicroseconds());
+    if (budget < IndexBudget::kWorthwhile) {
+        return;
+    }
+    const SInt64 before = index_->BytesTaken();
+    index_->TakeIn(std::min(budget, kBytesPerSlice));
+    indexBudget_.Spend(index_->BytesTaken() - before);
+}
+
+// What is available is an estimate, unknown or not, once everything is.
+bool MovieRecord::IsEverythingThere() const
+{
+    const SInt32 available = handler_->AvailableSize();
+    return available < 0 || available == handler_->FileSize();
 }
 
 void MovieRecord::OpenCompletely()
@@ -79,11 +99,11 @@ void MovieRecord::OpenCompletely()
     OpenSome(INT32_MAX);
 }
 
-void MovieRecord::TakeInAll()
+void MovieRecord::TakeInWhatIsThere()
 {
     if (!isBusy_ && !isStopped_) {
         const BusyMark mark(isBusy_);
-        index_->TakeIn(kEverything);
+        index_->TakeIn(kMostAtOnce);
     }
 }
 
@@ -217,7 +237,8 @@ MovieRecord::Nanoseconds MovieRecord::LoadedDuration() const
 MovieRecord::Nanoseconds MovieRecord::Duration() const
 {
     const Nanoseconds loaded = LoadedDuration();
-    if (isAnnouncedForgotten_ || index_->IsComplete()) {
+    const bool isAllTakenIn = index_->IsComplete() || (isAnnouncedForgotten_ && !index_->HasWork());
+    if (isAllTakenIn) {
         return loaded;
     }
     return std::max(loaded, index_->AnnouncedLength(handler_ ? handler_->FileSize() : -1));

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "toolbox/quicktime/AudioTrack.h"
+#include "toolbox/quicktime/IndexBudget.h"
 #include "toolbox/quicktime/MovieIndex.h"
 #include "toolbox/quicktime/Movies.h"
 #include "toolbox/quicktime/PictureConverter.h"
@@ -37,8 +38,8 @@ public:
     // Length known or announced, and end of what has arrived, both counted from Beginning().
     Nanoseconds Duration() const;
     Nanoseconds LoadedDuration() const;
-    // Takes in every byte that is there.
-    void TakeInAll();
+    // Takes in what is there, as far as that is quickly done; slices take in the rest.
+    void TakeInWhatIsThere();
     // Forgets what was announced but has not arrived.
     void ForgetAnnounced() { isAnnouncedForgotten_ = true; }
 
@@ -82,6 +83,8 @@ private:
     using Step = toolbox::MovieStream::Step;
     static constexpr Nanoseconds kNoTime = toolbox::kNoTime;
 
+    void TakeInSome();
+    bool IsEverythingThere() const;
     void OpenSome(int mostPackets);
     Step PullPacket();
     void Dispatch(AVPacket& packet, const AVStream& stream);
@@ -98,6 +101,8 @@ private:
     Nanoseconds EndOfPictures() const;
     Nanoseconds EndOfSound() const;
     void EndPlaying();
+    SInt64 NextTimeOfIndex(SInt64 now) const;
+    SInt64 NextTimeOfPlaying(SInt64 now) const;
     void Anchor(Nanoseconds time);
     void CloseSound();
     void Restart(const toolbox::KeySample& key);
@@ -107,6 +112,7 @@ private:
 
     std::unique_ptr<toolbox::DataHandlerClient> handler_; // goes after the streams stopped …
     std::unique_ptr<toolbox::MovieIndex> index_;
+    toolbox::IndexBudget indexBudget_;
     std::unique_ptr<toolbox::MovieStream> play_;
     toolbox::Timeline timeline_;
     bool hasTimeline_ = false;

@@ -38,6 +38,7 @@ public:
     Nanoseconds AnnouncedLength(SInt32 fileSize) const;
     // The last sample to begin decoding at for showing `time`; null if there is none.
     const KeySample* FindKey(Nanoseconds time) const;
+    SInt64 BytesTaken() const { return stream_.BytesTaken(); }
     const Sniffed& Kind() const { return stream_.Start(); }
     MovieStream& Stream() { return stream_; }
 

@@ -281,12 +281,22 @@ SInt64 MovieRecord::NextDeadline() const
     }
     const SInt64 now = ToolboxMicroseconds();
     const bool canRead = !dataEnded_ && (!outOfBytes_ || play_->Bytes().HasArrived());
-    if (index_->HasWork() || (canRead && (!isPlayable_ || isHeldUp_))) {
+    if (canRead && (!isPlayable_ || isHeldUp_)) {
         return now;
     }
-    if (!isPlaying_ || isHeldUp_) {
-        return -1;
-    }
+    const SInt64 playing = isPlaying_ && !isHeldUp_ ? NextTimeOfPlaying(now) : -1;
+    const SInt64 index = index_->HasWork() ? NextTimeOfIndex(now) : -1;
+    return playing < 0 || index < 0 ? std::max(playing, index) : std::min(playing, index);
+}
+
+SInt64 MovieRecord::NextTimeOfIndex(SInt64 now) const
+{
+    return IsEverythingThere() ? now : std::max(now, indexBudget_.NextTime());
+}
+
+// The next picture, the next piece of sound, or the end.
+SInt64 MovieRecord::NextTimeOfPlaying(SInt64 now) const
+{
     const auto clockAt = [this](Nanoseconds time) {
         return anchorClock_ + RoundUpToMicroseconds(time - anchorTime_);
     };

@@ -178,7 +178,7 @@ OSErr GetMaxLoadedTimeInMovie(Movie movie, TimeValue* time)
         *time = 0;
         return Note(err);
     }
-    movie->TakeInAll();
+    movie->TakeInWhatIsThere();
     *time = ToTimeValue(movie->LoadedDuration());
     return Note(noErr);
 }

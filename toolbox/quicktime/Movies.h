@@ -64,7 +64,8 @@ TOOLBOX_EXPORT SInt32 GetMovieLoadState(Movie movie);
 TOOLBOX_EXPORT OSErr GetMovieStatus(Movie movie, void** track);
 /* The length known or announced so far. */
 TOOLBOX_EXPORT TimeValue GetMovieDuration(Movie movie);
-/* The end of what has arrived, after taking in every byte that is there. */
+/* The end of what has arrived, after taking in what is there: all of it up to 4 MiB beyond what had
+ * been taken in before, of more the beginning. */
 TOOLBOX_EXPORT OSErr GetMaxLoadedTimeInMovie(Movie movie, TimeValue* time);
 /* Removes [start, start + duration) from the movie, where that reaches its present end: announced
  * time goes; time that later arrives still plays. A duration of 0 does nothing. */
