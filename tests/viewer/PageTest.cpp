@@ -133,6 +133,18 @@ TEST_F(PageTest, FreesTheObjectsInOrder)
     EXPECT_NE(log.find("free b"), std::string::npos);
 }
 
+TEST_F(PageTest, AnObjectIsSettledAFullRoundAfterItsDecodingEnded)
+{
+    const EmbeddedObject& object = AddStarted("a-never");
+    while (object.CurrentState() != EmbeddedObject::State::kDecoded) {
+        YieldToAnyThread();
+    }
+    page.ObserveObjects(); // of the round in which it ended
+    EXPECT_FALSE(object.IsSettled());
+    page.ObserveObjects();
+    EXPECT_TRUE(object.IsSettled());
+}
+
 TEST_F(PageTest, NewRowsOfAnImageAreDrawn30TimesASecond)
 {
     EmbeddedObject& object = AddStarted("a");
