@@ -8,6 +8,7 @@
 
 #include "toolbox/threads/StackMemory.h"
 
+#include <csetjmp>
 #include <optional>
 #include <ucontext.h>
 
@@ -43,13 +44,16 @@ public:
 private:
     ExecutionContext() = default; // the operating system's own stack
     static void Run();
+    [[noreturn]] void Enter();
     void Leave(bool forGood, ExecutionContext& next);
     void Arrive();
 
     std::optional<StackMemory> stack_;
     Entry entry_ = nullptr;
     void* argument_ = nullptr;
-    ucontext_t registers_{};
+    ucontext_t start_{};    // the first time it runs, it begins here …
+    std::jmp_buf resume_{}; // … and afterwards it goes on here
+    bool isStarted_ = true; // the operating system's own stack always is
     ExceptionState exceptions_;
     int errno_ = 0;
     // For the memory checkers; unused without them.
