@@ -663,6 +663,27 @@ TEST(MovieDrawing, StaysInsideTheClip)
     EXPECT_GT(inside, 1000);
 }
 
+TEST(MovieDrawing, DoesNotTouchItsNeighboursAtAnyWidth)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    page.OpenAll();
+    SInt32 rowBytes = 0;
+    UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
+    for (SInt16 width = 320; width < 360; ++width) {
+        memset(pixels, 0xFF, static_cast<size_t>(rowBytes) * 400);
+        const Rect bounds = {0, 0, 256, width};
+        MCSetControllerBoundsRect(page.controller, &bounds);
+        MCDoAction(page.controller, mcActionDraw, page.port);
+        int outside = 0;
+        for (int v = 0; v < 400; ++v) {
+            for (int h = width; h < 500; ++h) {
+                outside += pixels[v * rowBytes + h * 4 + 1] != 0xFF;
+            }
+        }
+        EXPECT_EQ(outside, 0) << "width " << width;
+    }
+}
+
 TEST(MovieController, IsTheBoxAndABarOfSixteenPixels)
 {
     OpenedMovie page(Clip("mpeg1.mpg"));

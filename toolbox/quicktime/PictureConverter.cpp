@@ -18,7 +18,7 @@ constexpr int kBytesPerPixel = 4;
 constexpr int kBandRows = 16;
 // libswscale's vector code writes whole groups of pixels, past a row's end if the width is no
 // multiple of this.
-constexpr int kPixelGroup = 8;
+constexpr int kPixelGroup = 16;
 
 int WidthOf(const Rect& rect)
 {
