@@ -2,7 +2,6 @@
 #include "toolbox/quicktime/AudioTrack.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 namespace toolbox
@@ -38,84 +37,32 @@ AVCodecID CodecOf(const AVStream& stream, const AVPacket& first)
 
 std::unique_ptr<AudioTrack> AudioTrack::Create(const AVStream& stream, const AVPacket& first)
 {
-    const AVCodecID id = CodecOf(stream, first);
-    const AVCodec* const codec = avcodec_find_decoder(id);
-    if (codec == nullptr) {
-        return nullptr;
-    }
-    LibAVPtr<AVCodecContext> decoder(avcodec_alloc_context3(codec));
-    if (!decoder || avcodec_parameters_to_context(decoder.get(), stream.codecpar) < 0) {
-        return nullptr;
-    }
-    decoder->codec_id = id;
-    decoder->pkt_timebase = kNanosecondBase;
-    if (avcodec_open2(decoder.get(), codec, nullptr) < 0) {
+    LibAVPtr<AVCodecContext> decoder = TrackDecoder::Open(CodecOf(stream, first), *stream.codecpar);
+    if (!decoder) {
         return nullptr;
     }
     return std::unique_ptr<AudioTrack>(new AudioTrack(std::move(decoder)));
-}
-
-void AudioTrack::Add(AVPacket& packet)
-{
-    LibAVPtr<AVPacket> own(av_packet_alloc());
-    if (!own) {
-        throw std::bad_alloc();
-    }
-    if (packet.pts != AV_NOPTS_VALUE) {
-        endOfPackets_ = std::max(endOfPackets_, packet.pts + packet.duration);
-    }
-    av_packet_move_ref(own.get(), &packet);
-    packets_.push_back(std::move(own));
-}
-
-// False when the decoder wants a packet and there is none. What a decoder refuses is skipped.
-bool AudioTrack::FeedDecoder()
-{
-    if (packets_.empty()) {
-        if (!dataEnded_) {
-            return false;
-        }
-        avcodec_send_packet(decoder_.get(), nullptr);
-        isDraining_ = true;
-        return true;
-    }
-    const LibAVPtr<AVPacket> packet = std::move(packets_.front());
-    packets_.pop_front();
-    avcodec_send_packet(decoder_.get(), packet.get());
-    return true;
 }
 
 AudioTrack::Step AudioTrack::DecodeUpTo(Nanoseconds time)
 {
     while (start_ == kNoTime || EndOfDecoded() < time) {
         const Step step = DecodeSome();
-        if (step != Step::kSound) {
+        if (step != Step::kFrame) {
             return step;
         }
     }
-    return Step::kSound;
+    return Step::kFrame;
 }
 
 AudioTrack::Step AudioTrack::DecodeSome()
 {
-    const LibAVPtr<AVFrame> frame(av_frame_alloc());
-    if (!frame) {
-        throw std::bad_alloc();
+    const LibAVPtr<AVFrame> frame = NewFrame();
+    const Step step = decoder_.Decode(*frame);
+    if (step == Step::kFrame) {
+        Append(*frame);
     }
-    for (;;) {
-        const int err = avcodec_receive_frame(decoder_.get(), frame.get());
-        if (err >= 0) {
-            Append(*frame);
-            return Step::kSound;
-        }
-        if (err == AVERROR_EOF || (isDraining_ && err != AVERROR(EAGAIN))) {
-            isEnded_ = true;
-            return Step::kEnded;
-        }
-        if (!FeedDecoder()) {
-            return Step::kNeedsPacket;
-        }
-    }
+    return step;
 }
 
 // The first frame fixes rate and channels; a stream that changes them later is converted to that.
@@ -209,15 +156,12 @@ const std::vector<SInt16>& AudioTrack::TakeUpTo(Nanoseconds time, int volume)
 
 void AudioTrack::Flush(Nanoseconds start)
 {
-    packets_.clear();
-    avcodec_flush_buffers(decoder_.get());
+    decoder_.Flush();
     samples_.clear();
     consumed_ = 0;
     taken_ = 0;
     start_ = kNoTime;
     notBefore_ = start;
-    endOfPackets_ = kNoTime;
-    dataEnded_ = isDraining_ = isEnded_ = false;
 }
 
 Nanoseconds AudioTrack::FramesToTime(SInt64 frames) const

@@ -3,9 +3,8 @@
 // The sound of a movie: packets in, 16-bit sample frames out, in order and without gaps.
 #pragma once
 
-#include "toolbox/quicktime/LibAV.h"
+#include "toolbox/quicktime/TrackDecoder.h"
 
-#include <deque>
 #include <vector>
 
 namespace toolbox
@@ -18,15 +17,15 @@ public:
     static std::unique_ptr<AudioTrack> Create(const AVStream& stream, const AVPacket& first);
 
     // Takes the packet's contents, its time stamps in nanoseconds.
-    void Add(AVPacket& packet);
+    void Add(AVPacket& packet) { decoder_.Add(packet); }
     // No more packets will come.
-    void EndData() { dataEnded_ = true; }
-    Nanoseconds EndOfPackets() const { return endOfPackets_; }
+    void EndData() { decoder_.EndData(); }
+    Nanoseconds EndOfPackets() const { return decoder_.EndOfPackets(); }
 
     // All sound has been decoded.
-    bool IsEnded() const { return isEnded_; }
+    bool IsEnded() const { return decoder_.IsEnded(); }
 
-    enum class Step { kSound, kNeedsPacket, kEnded };
+    using Step = TrackDecoder::Step;
     // Decodes on until there is sound up to `time`.
     Step DecodeUpTo(Nanoseconds time);
     // Decodes on until there is any sound.
@@ -49,20 +48,17 @@ public:
 
 private:
     explicit AudioTrack(LibAVPtr<AVCodecContext> decoder) : decoder_(std::move(decoder)) {}
-    bool FeedDecoder();
     void Append(const AVFrame& frame);
     bool PrepareResampler(const AVFrame& frame);
     void DropBeforeStart(const AVFrame& frame);
     Nanoseconds FramesToTime(SInt64 frames) const;
     SInt64 FramesWaiting() const;
 
-    LibAVPtr<AVCodecContext> decoder_;
+    TrackDecoder decoder_;
     LibAVPtr<SwrContext> resampler_;
     AVSampleFormat inputFormat_ = AV_SAMPLE_FMT_NONE;
     int inputRate_ = 0;
     int inputChannels_ = 0;
-    std::deque<LibAVPtr<AVPacket>> packets_;
-    Nanoseconds endOfPackets_ = kNoTime;
     std::vector<SInt16> samples_; // decoded, from `consumed_` on not taken yet
     size_t consumed_ = 0;
     std::vector<SInt16> out_;
@@ -71,9 +67,6 @@ private:
     Nanoseconds start_ = kNoTime;
     Nanoseconds notBefore_ = kNoTime;
     SInt64 taken_ = 0; // frames since start_
-    bool dataEnded_ = false;
-    bool isDraining_ = false;
-    bool isEnded_ = false;
 };
 
 } // namespace toolbox

@@ -184,14 +184,14 @@ bool MovieRecord::CanShowOrPlay(Step step)
         if (video_->ShowFirst()) {
             return true;
         }
-        if (isLast && video_->DecodeNext() == VideoTrack::Step::kPicture) {
+        if (isLast && video_->DecodeNext() == VideoTrack::Step::kFrame) {
             video_->TakeNext();
             return true;
         }
     }
     const bool soundIsAll = isLast || (!video_ && (play_->Start().kind == StreamKind::kAudio ||
                                                    play_->BytesTaken() > kSoundAloneAfter));
-    return audio_ && soundIsAll && audio_->DecodeSome() == AudioTrack::Step::kSound &&
+    return audio_ && soundIsAll && audio_->DecodeSome() == AudioTrack::Step::kFrame &&
            audio_->Start() != kNoTime;
 }
 

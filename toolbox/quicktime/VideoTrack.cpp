@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/quicktime/VideoTrack.h"
 
-#include <algorithm>
-#include <new>
 #include <utility>
 
 namespace toolbox
@@ -33,41 +31,13 @@ AVCodecID CodecOf(const AVStream& stream, const AVPacket& first)
     return id;
 }
 
-LibAVPtr<AVCodecContext> OpenDecoder(AVCodecID id, const AVCodecParameters& parameters)
-{
-    const AVCodec* const codec = avcodec_find_decoder(id);
-    if (codec == nullptr) {
-        return nullptr;
-    }
-    LibAVPtr<AVCodecContext> decoder(avcodec_alloc_context3(codec));
-    if (!decoder || avcodec_parameters_to_context(decoder.get(), &parameters) < 0) {
-        return nullptr;
-    }
-    decoder->codec_id = id;
-    decoder->thread_count = 1;
-    decoder->pkt_timebase = kNanosecondBase;
-    if (avcodec_open2(decoder.get(), codec, nullptr) < 0) {
-        return nullptr;
-    }
-    return decoder;
-}
-
-LibAVPtr<AVFrame> NewFrame()
-{
-    LibAVPtr<AVFrame> frame(av_frame_alloc());
-    if (!frame) {
-        throw std::bad_alloc();
-    }
-    return frame;
-}
-
 // The only picture of a packet, from a decoder of its own that is told at once that no more come.
 LibAVPtr<AVFrame> DecodeAlone(const AVCodecContext& like, const AVPacket& packet)
 {
     LibAVPtr<AVFrame> frame;
     AVCodecParameters* parameters = avcodec_parameters_alloc();
     if (parameters != nullptr && avcodec_parameters_from_context(parameters, &like) >= 0) {
-        const LibAVPtr<AVCodecContext> decoder = OpenDecoder(like.codec_id, *parameters);
+        const LibAVPtr<AVCodecContext> decoder = TrackDecoder::Open(like.codec_id, *parameters);
         frame = NewFrame();
         const bool isDone = decoder && avcodec_send_packet(decoder.get(), &packet) >= 0 &&
                             avcodec_send_packet(decoder.get(), nullptr) >= 0 &&
@@ -85,7 +55,7 @@ LibAVPtr<AVFrame> DecodeAlone(const AVCodecContext& like, const AVPacket& packet
 std::unique_ptr<VideoTrack> VideoTrack::Create(const AVStream& stream, const AVPacket& first,
                                                bool hasClock, Nanoseconds start)
 {
-    LibAVPtr<AVCodecContext> decoder = OpenDecoder(CodecOf(stream, first), *stream.codecpar);
+    LibAVPtr<AVCodecContext> decoder = TrackDecoder::Open(CodecOf(stream, first), *stream.codecpar);
     if (!decoder) {
         return nullptr;
     }
@@ -99,57 +69,22 @@ VideoTrack::VideoTrack(LibAVPtr<AVCodecContext> decoder, bool hasClock, Nanoseco
 
 void VideoTrack::Add(AVPacket& packet)
 {
-    LibAVPtr<AVPacket> own(av_packet_alloc());
-    if (!own) {
-        throw std::bad_alloc();
-    }
-    const SInt64 start = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
-    if (start != AV_NOPTS_VALUE) {
-        endOfPackets_ = std::max(endOfPackets_, start + packet.duration);
-    }
     const bool isKey = (packet.flags & AV_PKT_FLAG_KEY) != 0;
     if (isKey && !current_.frame && !hasPictures_) {
         firstKey_.reset(av_packet_clone(&packet));
     }
-    av_packet_move_ref(own.get(), &packet);
-    packets_.push_back(std::move(own));
-}
-
-// False when the decoder wants a packet and there is none. What a decoder refuses is skipped.
-bool VideoTrack::FeedDecoder()
-{
-    if (packets_.empty()) {
-        if (!dataEnded_) {
-            return false;
-        }
-        avcodec_send_packet(decoder_.get(), nullptr);
-        isDraining_ = true;
-        return true;
-    }
-    const LibAVPtr<AVPacket> packet = std::move(packets_.front());
-    packets_.pop_front();
-    avcodec_send_packet(decoder_.get(), packet.get());
-    return true;
+    decoder_.Add(packet);
 }
 
 VideoTrack::Step VideoTrack::DecodeNext()
 {
     LibAVPtr<AVFrame> frame = NewFrame();
-    for (;;) {
-        const int err = avcodec_receive_frame(decoder_.get(), frame.get());
-        if (err >= 0) {
-            next_ = Picture{std::move(frame)};
-            Time(next_);
-            return Step::kPicture;
-        }
-        if (err == AVERROR_EOF || (isDraining_ && err != AVERROR(EAGAIN))) {
-            isEnded_ = true;
-            return Step::kEnded;
-        }
-        if (!FeedDecoder()) {
-            return Step::kNeedsPacket;
-        }
+    const Step step = decoder_.Decode(*frame);
+    if (step == Step::kFrame) {
+        next_ = Picture{std::move(frame)};
+        Time(next_);
     }
+    return step;
 }
 
 // A stamp that would take time back, or none, is replaced by the end of the picture before.
@@ -167,7 +102,7 @@ void VideoTrack::Time(Picture& picture)
 
 Nanoseconds VideoTrack::DurationOf(const AVFrame& frame) const
 {
-    const AVRational rate = decoder_->framerate;
+    const AVRational rate = decoder_.Context().framerate;
     if (rate.num > 0 && rate.den > 0) {
         const SInt64 fields = 2 + frame.repeat_pict;
         return av_rescale(kSecond * fields, rate.den, SInt64{rate.num} * 2);
@@ -190,7 +125,7 @@ bool VideoTrack::ShowFirst()
         return current_.frame != nullptr;
     }
     const LibAVPtr<AVPacket> packet = std::move(firstKey_);
-    current_.frame = DecodeAlone(*decoder_, *packet);
+    current_.frame = DecodeAlone(decoder_.Context(), *packet);
     if (!current_.frame) {
         return false;
     }
@@ -203,14 +138,11 @@ bool VideoTrack::ShowFirst()
 
 void VideoTrack::Flush(Nanoseconds start)
 {
-    packets_.clear();
-    avcodec_flush_buffers(decoder_.get());
+    decoder_.Flush();
     next_ = Picture{};
     isFirstOnTheSide_ = false;
-    dataEnded_ = isDraining_ = isEnded_ = false;
     hasPictures_ = false;
     nextStart_ = start;
-    endOfPackets_ = kNoTime;
 }
 
 } // namespace toolbox

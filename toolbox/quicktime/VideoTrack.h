@@ -3,9 +3,7 @@
 // The pictures of a movie: packets in, pictures with their times out, in the order of showing.
 #pragma once
 
-#include "toolbox/quicktime/LibAV.h"
-
-#include <deque>
+#include "toolbox/quicktime/TrackDecoder.h"
 
 namespace toolbox
 {
@@ -28,15 +26,15 @@ public:
     // Takes the packet's contents, its time stamps in nanoseconds.
     void Add(AVPacket& packet);
     // No more packets will come.
-    void EndData() { dataEnded_ = true; }
+    void EndData() { decoder_.EndData(); }
     // The end of the last packet taken, kNoTime before one.
-    Nanoseconds EndOfPackets() const { return endOfPackets_; }
+    Nanoseconds EndOfPackets() const { return decoder_.EndOfPackets(); }
 
     // Every picture has been decoded.
-    bool IsEnded() const { return isEnded_; }
+    bool IsEnded() const { return decoder_.IsEnded(); }
 
-    enum class Step { kPicture, kNeedsPacket, kEnded };
     // Decodes on until there is a next picture.
+    using Step = TrackDecoder::Step;
     Step DecodeNext();
     // The picture to be shown now and the one after it; null if there is none (yet).
     const Picture* Current() const { return current_.frame ? &current_ : nullptr; }
@@ -52,22 +50,16 @@ public:
 
 private:
     VideoTrack(LibAVPtr<AVCodecContext> decoder, bool hasClock, Nanoseconds start);
-    bool FeedDecoder();
     void Time(Picture& picture);
     Nanoseconds DurationOf(const AVFrame& frame) const;
 
-    LibAVPtr<AVCodecContext> decoder_;
+    TrackDecoder decoder_;
     bool hasClock_;
-    std::deque<LibAVPtr<AVPacket>> packets_;
     LibAVPtr<AVPacket> firstKey_;
-    Nanoseconds endOfPackets_ = kNoTime;
     Nanoseconds nextStart_; // the end of the picture decoded last
     Picture current_;
     Picture next_;
     bool isFirstOnTheSide_ = false; // current_ came from ShowFirst
-    bool dataEnded_ = false;
-    bool isDraining_ = false;
-    bool isEnded_ = false;
     bool hasPictures_ = false;
 };
 
