@@ -129,6 +129,7 @@ void EmbeddedObject::WaitAgain()
     sizeChanged_ = hasDimensions_;
     hasDimensions_ = false;
     wasDisplayed_ = false;
+    firstPicture_.reset();
     newRows_.Forget();
 }
 

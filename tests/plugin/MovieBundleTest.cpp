@@ -62,7 +62,7 @@ TEST_F(MovieBundle, DeclaresTheirExtensions)
 {
     test::TestPlugin object(bundle);
     for (const std::string& extension :
-         Words("mpg mpeg mpe m1v m2v m1s m2p mpv vob ps mp3 mp2 mp1 m1a m2a mpa mpga mpega bit"))
+         Words("mpg mpeg mpe m1v m2v m1s m2p mpv vob ts mp3 mp2 mp1 m1a m2a mpa mpga mpega bit"))
         EXPECT_TRUE(object.CanHandleFileExtension(extension.c_str())) << extension;
     EXPECT_FALSE(object.CanHandleFileExtension("gif"));
 }
