@@ -56,7 +56,7 @@ public:
 
     SInt32 readOffset = 0;          // where the next read begins
     SInt32 dataSize = 0;            // length as far as it is known
-    OSErr lastError = 0;            // of the last block read
+    OSErr lastError = 0;            // of the last block read or fetch that stored it
     unsigned char dataComplete = 0; // dataSize is final; set by the host for a stream
 
 private:

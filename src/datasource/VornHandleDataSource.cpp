@@ -29,7 +29,7 @@ OSErr VornHandleDataSource::GetBytes(void* dest, SInt32 offset, SInt32* count)
 
 UInt8* VornHandleDataSource::GetBytesDataPtr(SInt32 offset, SInt32 length)
 {
-    if (SInt64{offset} + length > Limit()) {
+    if (!dataHandle || SInt64{offset} + length > Limit()) {
         lastError = kDataOutOfRangeErr;
         throw lastError;
     }

@@ -15,7 +15,7 @@ public:
 
     OSErr GetBytes(void* dest, SInt32 offset, SInt32* count) override;
     // The handle is not locked: the address is good until memory may move. A negative offset is
-    // not refused: the address then lies before the block.
+    // not refused: the address then lies before the block. A null handle has no addresses at all.
     UInt8* GetBytesDataPtr(SInt32 offset, SInt32 length) override;
     // A request for more than half of what remains is cut short: see MemoryFetch.h.
     OSErr FetchDataFromSource(void* dest, SInt32 offset, SInt32* count,

@@ -13,8 +13,7 @@ namespace
 
 [[maybe_unused]] SInt16 gPluginResForkRefNum = 0;
 
-// A host that looks its functions up by name finds neither of these two; they are kept for one
-// that is given their addresses.
+// Not exported, and nothing in the bundle calls them.
 [[maybe_unused]] OSErr VornPluginInitialize()
 {
     gPluginResForkRefNum = CurResFile();

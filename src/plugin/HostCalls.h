@@ -9,5 +9,5 @@
 // One for all objects of the bundle; the last creation's table wins.
 extern VornPluginHostCalls gHostCalls;
 
-// Does nothing; it exists so that callback types are seen by the compiler.
+// Does nothing.
 void TestUPPSignatures();

@@ -102,7 +102,8 @@ void VornPlugin::SetDisplayRect(const Rect& rect)
 
 void VornPlugin::SetComment(const char* text)
 {
-    StrCopySafe(texts, text, kTextSize);
+    // Through all three texts: a terminator behind the comment belongs to the MIME type.
+    StrCopySafe(reinterpret_cast<char*>(&texts), text, kTextSize);
 }
 
 SInt32 VornPlugin::GetEstimatedDataSize()
@@ -117,8 +118,8 @@ void VornPlugin::Initialize(OSType type, OSType creatorCode, const char* name,
 {
     fileType = type;
     creator = creatorCode;
-    StrCopySafe(texts + 2 * kTextSize, name, kTextSize - 1);
-    StrCopySafe(texts + kTextSize, mimeTypeText, kTextSize - 1);
+    StrCopySafe(texts.fileName, name, kTextSize - 1);
+    StrCopySafe(texts.mimeType, mimeTypeText, kTextSize - 1);
 }
 
 OSErr VornPlugin::ConvertError(OSErr err)

@@ -6,11 +6,14 @@
 #include "src/plugin/VornPluginABI.h"
 #include "toolbox/threads/Threads.h"
 
+#include <cstddef>
+
 class VornDataSource;
 
 // Keeps what every object has and decodes it in fixed steps; a derived class reads, draws and
 // answers. Errors are thrown as OSErr, exactly 16 bits wide, and become results at the entry
-// points. The order of the virtual operations and of the fields is part of the contract.
+// points. The order of the virtual operations and of the fields is part of the binary
+// interface.
 class VornPlugin
 {
 public:
@@ -85,17 +88,26 @@ public:
     void CallHostDecodedChunk(SInt16 first, SInt16 end);
     SInt32 CallHostGetEstimatedDataSize();
 
-    // The texts below, Mac Roman, zero-terminated.
-    const char* Comment() const { return texts; }
-    const char* MimeType() const { return texts + kTextSize; }
-    const char* FileName() const { return texts + 2 * kTextSize; }
+    // The texts below, Mac Roman, zero-terminated. The comment's terminator may be the first byte
+    // of the MIME type, so the comment is addressed through all three.
+    const char* Comment() const { return reinterpret_cast<const char*>(&texts); }
+    const char* MimeType() const { return texts.mimeType; }
+    const char* FileName() const { return texts.fileName; }
 
     static constexpr UInt32 kTextSize = 256; // bytes, with the terminator
 
+    struct Texts {
+        char comment[kTextSize];
+        char mimeType[kTextSize];
+        char fileName[kTextSize];
+    };
+    static_assert(offsetof(Texts, comment) == 0 && offsetof(Texts, mimeType) == 256 &&
+                      offsetof(Texts, fileName) == 512 && sizeof(Texts) == 768,
+                  "the comment runs on into the MIME type and nowhere else");
+
     VornDataSource* dataSource = nullptr; // owned
     CFBundleRef bundle;                   // a reference of its own
-    // Comment, MIME type and file name. They are one array because the comment may run on.
-    char texts[3 * kTextSize] = {};
+    Texts texts{};
     OSType fileType = FOUR_CHARS('?', '?', '?', '?');
     OSType creator = FOUR_CHARS('?', '?', '?', '?');
     UInt32 displayFlags = 0;

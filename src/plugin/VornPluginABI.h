@@ -7,8 +7,9 @@
  * - An object is known by its pointer: VornPluginMakeNewObject hands it out, and it comes back as
  *   the first argument of every host call.
  * - Results are OSErr: 0, a negative platform code, or a positive code below. Query functions
- *   (Boolean or void result) report no error: the host sees false or an untouched output.
- * - No exception leaves an entry point. One that comes out of a host callback (the toolbox
+ *   (those with another result or none) report no error: the host sees false, for
+ *   VornPluginGetObjectDisplayFlags zero, or an untouched output.
+ * - No exception leaves an entry point, VornPluginFreeObject excepted: it has no barrier. One that comes out of a host callback (the toolbox
  *   unwinds a disposed thread that way) passes through the bundle's frames and is swallowed like
  *   any other; the toolbox throws it again at the thread's next yield.
  * - Everything runs on the toolbox's cooperative threads; nothing here may be called from another
@@ -56,7 +57,8 @@ enum {
 typedef struct VornPluginHostCalls {
     /* The object reports the rectangle it wants, its top left at 0,0. Result ignored. */
     OSErr (*gotRect)(VornPlugin* object, const Rect* displayRect);
-    /* Decoding has ended with `finalError`; comes before VornPluginDecodeObject returns it. */
+    /* Rendering has ended with `finalError`; comes before VornPluginDecodeObject returns, whose
+     * result may be another one. */
     OSErr (*renderingDone)(VornPlugin* object, OSErr finalError);
     /* An image has new rows from `first` up to `end`. */
     OSErr (*decodedChunk)(VornPlugin* object, SInt16 first, SInt16 end);
@@ -93,7 +95,8 @@ VORN_EXPORT OSErr VornPluginMakeNewObject(CFBundleRef bundle, const VornPluginHo
                                           OSType fileType, OSType creator, const char* fileName,
                                           const char* mimeType, VornPlugin** outObject);
 /* Decodes the object, pulling its bytes through getData; returns when all of them are in. Run it
- * on a cooperative thread of its own. The result is what renderingDone was told. */
+ * on a cooperative thread of its own. The result is 0, or the code that decoding ended with; it
+ * may differ from what renderingDone was told. */
 VORN_EXPORT OSErr VornPluginDecodeObject(VornPlugin* object);
 /* Draws into the current port within `displayRect`, under the port's clip. */
 VORN_EXPORT OSErr VornPluginDisplayObject(VornPlugin* object, const Rect* displayRect,
@@ -121,7 +124,8 @@ VORN_EXPORT Boolean VornPluginHaveObjectDimensions(VornPlugin* object);
 VORN_EXPORT void VornPluginGetObjectRenderingError(VornPlugin* object, OSErr* outError);
 /* The object's comment, at most bufferSize characters: the buffer holds bufferSize + 1 bytes. */
 VORN_EXPORT void VornPluginGetObjectComment(VornPlugin* object, char* buffer, UInt32 bufferSize);
-/* Destroys an object; null is allowed. Only after its VornPluginDecodeObject has returned. */
+/* Destroys an object; null is allowed. Only after its VornPluginDecodeObject has returned. No
+ * barrier: what the destruction throws reaches the host. */
 VORN_EXPORT void VornPluginFreeObject(VornPlugin* object);
 
 /* Set-up and support ----------------------------------------------------------------------- */

@@ -21,11 +21,14 @@ VORN_EXPORT Boolean MyStrEqual(const char* a, const char* b);
 VORN_EXPORT void CopyPascalString(StringPtr dst, ConstStringPtr src);
 /* Copies at most `maxChars` (255 at most is meaningful, 0 or less is none) characters. */
 VORN_EXPORT void CopyCToPascalString(const char* src, StringPtr dst, SInt32 maxChars);
-/* Copies at most `maxChars` characters and a terminator: `dst` holds maxChars + 1 bytes. */
+/* Copies at most `maxChars` characters (0 or less: none) and a terminator: `dst` holds
+ * maxChars + 1 bytes, one at least. */
 VORN_EXPORT void CopyPascalToCString(ConstStringPtr src, char* dst, SInt32 maxChars);
 
-/* The comparison key of each character: letters become unaccented capitals, ligatures of O and E
- * those of A and E, curly quotation marks straight ones. */
+/* The comparison key of each character: small letters and the accented letters at 0x80 to 0x9F and
+ * 0xCB to 0xCD become plain capitals, as do the stroked O and 0xD8; ligatures of A or O and E become
+ * the capital one of A and E; double quotation marks and curly single ones become straight, the
+ * fixed space a plain one. Every other code is its own key, accented capitals at 0xE5 to 0xF4 too. */
 extern const UInt8 gCharsTable[256];
 
 TOOLBOX_END_DECLS
