@@ -189,6 +189,13 @@ TYPED_TEST(MemoryDataSource, BlockReadsReportAShortRead)
     EXPECT_EQ(this->source.readOffset, 40);
 }
 
+TYPED_TEST(MemoryDataSource, ANegativeCountMovesTheReadOffsetBack)
+{
+    this->source.SkipToOffset(50);
+    EXPECT_EQ(this->source.ReadBytes(60, this->buffer, true), kDataNotAvailableErr);
+    EXPECT_EQ(this->source.readOffset, 40);
+}
+
 TYPED_TEST(MemoryDataSource, GivesTheAddressOfItsLastBytes)
 {
     EXPECT_EQ(*this->source.GetBytesDataPtr(96, 4), 96);
@@ -317,4 +324,14 @@ TEST(HandleDataSource, WithoutAHandleItHasNothing)
     char byte = 0;
     EXPECT_EQ(source.GetBytes(&byte, 0, &count), kDataNotAvailableErr);
     EXPECT_EQ(count, 1);
+}
+
+TEST(HandleDataSource, WithoutAHandleItHasNoAddress)
+{
+    VornHandleDataSource source(nullptr, 100);
+    for (const auto& [offset, length] : {std::pair{0, 0}, {-4, 4}, {-8, 4}, {0, 1}}) {
+        source.lastError = noErr;
+        EXPECT_EQ(ErrorOf([&] { source.GetBytesDataPtr(offset, length); }), kDataOutOfRangeErr);
+        EXPECT_EQ(source.lastError, kDataOutOfRangeErr);
+    }
 }

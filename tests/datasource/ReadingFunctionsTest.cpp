@@ -45,6 +45,8 @@ TEST_F(ReadingFunctions, ReadBlocksOfTheObjectsData)
     EXPECT_EQ(ReadBytes(&plugin, 60, buffer, false), kDataNotAvailableErr);
     EXPECT_EQ(plugin.dataSource->lastError, kDataNotAvailableErr);
     EXPECT_EQ(GetReadOffset(&plugin), 3);
+    EXPECT_EQ(ReadBytes(&plugin, 60, buffer, true), kDataNotAvailableErr);
+    EXPECT_EQ(GetReadOffset(&plugin), 40);
 }
 
 TEST_F(ReadingFunctions, TellHowManyBytesWereThere)
@@ -54,6 +56,8 @@ TEST_F(ReadingFunctions, TellHowManyBytesWereThere)
     EXPECT_EQ(ReadAvailableBytes(&plugin, &count, buffer, false), kDataNotAvailableErr);
     EXPECT_EQ(count, 40);
     EXPECT_EQ(GetReadOffset(&plugin), 0);
+    EXPECT_EQ(ReadAvailableBytes(&plugin, &count, buffer, true), noErr);
+    EXPECT_EQ(GetReadOffset(&plugin), 40);
 }
 
 TEST_F(ReadingFunctions, TheByteStreamAlwaysAdvances)
@@ -62,6 +66,12 @@ TEST_F(ReadingFunctions, TheByteStreamAlwaysAdvances)
     SInt32 count = 10;
     EXPECT_EQ(ReadByteStream(&plugin, &count, buffer, false), noErr);
     EXPECT_EQ(GetReadOffset(&plugin), 10);
+    EXPECT_EQ(ReadByteStream(&plugin, &count, buffer, true), noErr);
+    EXPECT_EQ(GetReadOffset(&plugin), 20);
+    count = 60;
+    EXPECT_EQ(ReadByteStream(&plugin, &count, buffer, false), kDataNotAvailableErr);
+    EXPECT_EQ(count, 20);
+    EXPECT_EQ(GetReadOffset(&plugin), 40);
 }
 
 TEST_F(ReadingFunctions, ReadEveryKindOfNumber)
@@ -90,6 +100,24 @@ TEST_F(ReadingFunctions, ReadEveryKindOfNumber)
     EXPECT_EQ(GetReadOffset(&plugin), 14);
 }
 
+TEST_F(ReadingFunctions, PassOnWhetherANumberAdvances)
+{
+    const auto movesBy = [&](auto read, auto number) {
+        SkipToOffset(&plugin, 10);
+        read(&plugin, &number, false);
+        EXPECT_EQ(GetReadOffset(&plugin), 10);
+        read(&plugin, &number, true);
+        return GetReadOffset(&plugin) - 10;
+    };
+    EXPECT_EQ(movesBy(ReadUChar, UInt8{}), 1);
+    EXPECT_EQ(movesBy(ReadChar, char{}), 1);
+    EXPECT_EQ(movesBy(ReadUShort, UInt16{}), 2);
+    EXPECT_EQ(movesBy(ReadShort, SInt16{}), 2);
+    EXPECT_EQ(movesBy(ReadULong, UInt32{}), 4);
+    EXPECT_EQ(movesBy(ReadLong, SInt32{}), 4);
+    EXPECT_EQ(movesBy(ReadULongNative, UInt32{}), 4);
+}
+
 TEST_F(ReadingFunctions, MoveTheReadOffset)
 {
     SkipBytes(&plugin, 7);
@@ -98,6 +126,9 @@ TEST_F(ReadingFunctions, MoveTheReadOffset)
     EXPECT_EQ(GetReadOffset(&plugin), 20);
     SInt32 skipped = 0;
     SkipTo(&plugin, 25, &skipped, true);
+    EXPECT_EQ(skipped, 5);
+    EXPECT_EQ(GetReadOffset(&plugin), 25);
+    SkipTo(&plugin, 30, &skipped, false);
     EXPECT_EQ(skipped, 5);
     EXPECT_EQ(GetReadOffset(&plugin), 25);
     SkipToOffsetFromBufferEnd(&plugin, 4);
@@ -110,4 +141,5 @@ TEST_F(ReadingFunctions, LetExceptionsThrough)
     UInt32 value = 0;
     EXPECT_EQ(ErrorOf([&] { ReadULong(&plugin, &value, true); }), kDataOutOfRangeErr);
     EXPECT_EQ(GetReadOffset(&plugin), 98);
+    EXPECT_EQ(plugin.dataSource->lastError, kDataOutOfRangeErr);
 }

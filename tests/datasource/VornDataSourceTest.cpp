@@ -4,13 +4,17 @@
 #include "src/datasource/VornDataSource.h"
 
 #include "src/plugin/VornPluginABI.h"
+#include "tests/plugin/VirtualSlot.h"
 #include "tests/support/ErrorOf.h"
 #include "toolbox/Errors.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
+#include <functional>
+#include <ostream>
 #include <string>
 
 using test::ErrorOf;
@@ -208,6 +212,69 @@ TEST(TypedReads, WithoutAdvancingReadTheSameAgain)
     EXPECT_EQ(source.readOffset, 0);
 }
 
+namespace
+{
+
+// One typed read of four bytes 0xF1, 0xF2, 0xF3, 0xF4, its result widened.
+struct TypedRead {
+    const char* name;
+    SInt32 width;
+    std::function<SInt64(VornDataSource&, unsigned char)> read;
+    SInt64 expected;
+};
+
+template <class Number>
+auto Reader(void (VornDataSource::*read)(Number*, unsigned char))
+{
+    return [read](VornDataSource& source, unsigned char advance) {
+        Number number{};
+        (source.*read)(&number, advance);
+        return SInt64{number};
+    };
+}
+
+constexpr SInt64 kNative = std::endian::native == std::endian::big ? 0xF1F2F3F4 : 0xF4F3F2F1;
+
+const TypedRead kTypedReads[] = {
+    {"ReadUChar", 1, Reader(&VornDataSource::ReadUChar), 0xF1},
+    {"ReadChar", 1, Reader(&VornDataSource::ReadChar), SInt64{static_cast<char>(0xF1)}},
+    {"ReadShort", 2, Reader(&VornDataSource::ReadShort), 0xF2F1 - 0x10000},
+    {"ReadUShort", 2, Reader(&VornDataSource::ReadUShort), 0xF2F1},
+    {"ReadLong", 4, Reader(&VornDataSource::ReadLong), 0xF4F3F2F1 - 0x100000000},
+    {"ReadULong", 4, Reader(&VornDataSource::ReadULong), 0xF4F3F2F1},
+    {"ReadULongNative", 4, Reader(&VornDataSource::ReadULongNative), kNative},
+};
+
+void PrintTo(const TypedRead& read, std::ostream* out)
+{
+    *out << read.name;
+}
+
+class EachTypedRead : public testing::TestWithParam<TypedRead>
+{
+protected:
+    EachTypedRead() { source.SkipToOffset(1); }
+    StringDataSource source{"\x01\xF1\xF2\xF3\xF4"};
+};
+
+} // namespace
+
+TEST_P(EachTypedRead, AdvancesByItsWidth)
+{
+    EXPECT_EQ(GetParam().read(source, true), GetParam().expected);
+    EXPECT_EQ(source.readOffset, 1 + GetParam().width);
+}
+
+TEST_P(EachTypedRead, StaysIfToldNotToAdvance)
+{
+    EXPECT_EQ(GetParam().read(source, false), GetParam().expected);
+    EXPECT_EQ(GetParam().read(source, false), GetParam().expected);
+    EXPECT_EQ(source.readOffset, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfTheSeven, EachTypedRead, testing::ValuesIn(kTypedReads),
+                         [](const auto& given) { return given.param.name; });
+
 TEST(TypedReads, ThrowAcrossTheEndAndStayWhereTheyWere)
 {
     StringDataSource source("abc");
@@ -354,4 +421,26 @@ TEST(SkipToOffsetFromBufferEnd, StaysWhereItIsIfTheFetchThrows)
     source.thrown = kDataNotAvailableErr;
     EXPECT_EQ(ErrorOf([&] { source.SkipToOffsetFromBufferEnd(4); }), kDataNotAvailableErr);
     EXPECT_EQ(source.readOffset, 5);
+}
+
+// Where the virtual operations and the fields lie is part of the binary interface.
+#ifdef VORN_KNOWS_VIRTUAL_SLOTS
+
+TEST(DataSourceLayout, KeepsTheOrderOfTheVirtualOperations)
+{
+    EXPECT_EQ(test::VirtualSlot(&VornDataSource::PrepareDataSource), 2U);
+    EXPECT_EQ(test::VirtualSlot(&VornDataSource::TerminateDataSource), 3U);
+    EXPECT_EQ(test::VirtualSlot(&VornDataSource::GetBytes), 4U);
+    EXPECT_EQ(test::VirtualSlot(&VornDataSource::GetBytesDataPtr), 5U);
+    EXPECT_EQ(test::VirtualSlot(&VornDataSource::FetchDataFromSource), 6U);
+}
+
+#endif
+
+TEST(DataSourceLayout, KeepsTheOrderOfTheFields)
+{
+    const StringDataSource source("");
+    const void* const fields[] = {&source.readOffset, &source.dataSize, &source.lastError,
+                                  &source.dataComplete};
+    EXPECT_TRUE(std::is_sorted(std::begin(fields), std::end(fields), std::less<>()));
 }

@@ -174,6 +174,27 @@ TEST_F(StreamDataSource, AHitDoesNotCallTheHost)
     EXPECT_EQ(Requests(), before + 1);
 }
 
+TEST_F(StreamDataSource, AReadBeforeTheCacheRefillsItFromThere)
+{
+    Serve(Document(10000));
+    source.PrepareDataSource();
+    Get(5000, 4);
+    EXPECT_EQ(Get(10, 4), noErr);
+    EXPECT_EQ(Got(), Part(10, 4));
+    EXPECT_EQ(source.cacheStart, 10);
+}
+
+TEST_F(StreamDataSource, AnAddressBeforeTheCacheRefillsItFromThere)
+{
+    Serve(Document(10000));
+    source.PrepareDataSource();
+    Get(5000, 4);
+    const UInt8* bytes = source.GetBytesDataPtr(10, 4);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(bytes), 4), Part(10, 4));
+    EXPECT_EQ(source.cacheStart, 10);
+    EXPECT_EQ(source.cacheLength, 4096);
+}
+
 TEST_F(StreamDataSource, AReadOfNothingWithinTheCacheIsAHit)
 {
     Serve(Document(10000));
@@ -312,7 +333,9 @@ TEST_F(StreamDataSource, WithoutACacheThereIsNothingToFill)
 
 TEST_F(StreamDataSource, ACacheThatCouldNotBeFilledIsThereAndEmpty)
 {
-    Serve(Document(10000), {{10000, true, ioErr}});
+    Serve(Document(10000), {{10000, true}, {10000, true, ioErr}});
+    source.PrepareDataSource();
+    ASSERT_EQ(source.cacheLength, 4096);
     EXPECT_EQ(ErrorOf([&] { source.CreateDataCache(500, 100); }), ioErr);
     EXPECT_EQ(source.cacheStart, 500);
     EXPECT_EQ(source.cacheCapacity, 100);
@@ -383,6 +406,8 @@ TEST_F(StreamDataSource, GivesAddressesIntoTheUnlockedBlock)
     const UInt8* elsewhere = source.GetBytesDataPtr(5000, 4);
     EXPECT_EQ(elsewhere, reinterpret_cast<UInt8*>(*source.cacheHandle));
     EXPECT_EQ(*elsewhere, static_cast<UInt8>(document[5000]));
+    EXPECT_EQ(source.cacheStart, 5000);
+    EXPECT_EQ(source.cacheLength, 4096);
 }
 
 TEST_F(StreamDataSource, ServesNumbersFromTheCacheThoughItsBlockMoves)
@@ -427,7 +452,7 @@ TEST_F(StreamDataSource, AnOffsetNearTheEndOfTheNumbersIsRefused)
     EXPECT_EQ(Get(INT32_MAX, 10), kDataNotAvailableErr);
 }
 
-TEST_F(StreamDataSource, ReadsAndWritesAreTheSameForAnyArrival)
+TEST_F(StreamDataSource, ReadsAreTheSameForAnyArrival)
 {
     for (unsigned seed = 1; seed <= 100; ++seed) {
         SCOPED_TRACE(seed);

@@ -6,9 +6,37 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <list>
+#include <new>
 #include <random>
 #include <vector>
+
+namespace
+{
+
+int gDeletions = 0;
+
+} // namespace
+
+// All of this program's; the tests below look only at the difference across one call.
+void* operator new(std::size_t size)
+{
+    if (void* block = std::malloc(size ? size : 1))
+        return block;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept
+{
+    ++gDeletions;
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept
+{
+    operator delete(block);
+}
 
 namespace
 {
@@ -169,6 +197,33 @@ TEST(LinkedList, ClearingEmptiesItAndItCanBeFilledAgain)
     EXPECT_EQ(AllOf(list), Items{});
     list.AppendItem(kC);
     EXPECT_EQ(AllOf(list), (Items{kC}));
+}
+
+TEST(LinkedList, FreesRemovedNodesOnlyWhenItIsCleared)
+{
+    CLinkedList list;
+    for (void* item : {kA, kB, kC, kD})
+        list.AppendItem(item);
+    int before = gDeletions;
+    list.RemoveItem(kB);
+    list.RemoveItem(kD);
+    EXPECT_EQ(gDeletions - before, 0);
+    before = gDeletions;
+    list.Clear();
+    EXPECT_EQ(gDeletions - before, 4);
+}
+
+TEST(LinkedList, FreesAllNodesWhenItGoes)
+{
+    int before = 0;
+    {
+        CLinkedList list;
+        for (void* item : {kA, kB, kC})
+            list.AppendItem(item);
+        list.RemoveItem(kB);
+        before = gDeletions;
+    }
+    EXPECT_EQ(gDeletions - before, 3);
 }
 
 TEST(LinkedList, ClearingDuringAnIterationEndsIt)

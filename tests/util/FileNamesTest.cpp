@@ -239,6 +239,13 @@ TEST_F(UniqueFileName, ShortensTheBaseForEachLongerNumber)
     }
 }
 
+TEST_F(UniqueFileName, CountsOnPastTheHundreds)
+{
+    EXPECT_EQ(Take("many", ".mpg"), "many.mpg");
+    for (int number = 2; number <= 130; ++number)
+        ASSERT_EQ(Take("many", ".mpg"), "many." + std::to_string(number) + ".mpg");
+}
+
 TEST_F(UniqueFileName, GivesTheBaseUpForAnExtensionOf31Characters)
 {
     const std::string extension = "." + std::string(30, 'e');

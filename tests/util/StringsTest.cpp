@@ -218,3 +218,13 @@ TEST(CopyPascalToCString, GivesAnEmptyTextWithoutALimit)
     CopyPascalToCString(source.bytes, buffer, 0);
     EXPECT_EQ(std::string(buffer, 2), std::string("\0#", 2));
 }
+
+TEST(CopyPascalToCString, GivesAnEmptyTextForANegativeLimit)
+{
+    const Pascal source("movie");
+    for (const SInt32 limit : {-1, INT32_MIN}) {
+        char buffer[] = "##";
+        CopyPascalToCString(source.bytes, buffer, limit);
+        EXPECT_EQ(std::string(buffer, 2), std::string("\0#", 2)) << limit;
+    }
+}
