@@ -73,7 +73,8 @@ const ToolboxSoundSink& SoundSink()
 
 Boolean QuickTimePresent(void)
 {
-    return Announce("QuickTimePresent") == noErr;
+    return Announce("QuickTimePresent") == noErr &&
+           avcodec_find_decoder(AV_CODEC_ID_MPEG1VIDEO) != nullptr;
 }
 
 OSErr EnterMovies(void)
