@@ -9,9 +9,10 @@
  * - Results are OSErr: 0, a negative platform code, or a positive code below. Query functions
  *   (those with another result or none) report no error: the host sees false, for
  *   VornPluginGetObjectDisplayFlags zero, or an untouched output.
- * - No exception leaves an entry point, VornPluginFreeObject excepted: it has no barrier. One that comes out of a host callback (the toolbox
- *   unwinds a disposed thread that way) passes through the bundle's frames and is swallowed like
- *   any other; the toolbox throws it again at the thread's next yield.
+ * - No exception leaves an entry point, VornPluginFreeObject excepted: it has no barrier. One that
+ *   comes out of a host callback (the toolbox unwinds a disposed thread that way) passes through
+ *   the bundle's frames and is swallowed like any other; the toolbox throws it again at the
+ *   thread's next yield.
  * - Everything runs on the toolbox's cooperative threads; nothing here may be called from another
  *   operating-system thread.
  */

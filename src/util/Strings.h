@@ -25,10 +25,10 @@ VORN_EXPORT void CopyCToPascalString(const char* src, StringPtr dst, SInt32 maxC
  * maxChars + 1 bytes, one at least. */
 VORN_EXPORT void CopyPascalToCString(ConstStringPtr src, char* dst, SInt32 maxChars);
 
-/* The comparison key of each character: small letters and the accented letters at 0x80 to 0x9F and
- * 0xCB to 0xCD become plain capitals, as do the stroked O and 0xD8; ligatures of A or O and E become
- * the capital one of A and E; double quotation marks and curly single ones become straight, the
- * fixed space a plain one. Every other code is its own key, accented capitals at 0xE5 to 0xF4 too. */
+/* The comparison key of each character: small letters, the accented letters at 0x80 to 0x9F and
+ * 0xCB to 0xCD, the stroked O and 0xD8 become plain capitals; ligatures of A or O and E become the
+ * capital one of A and E; double and curly single quotation marks become straight, the fixed space
+ * a plain one. Every other code is its own key, accented capitals at 0xE5 to 0xF4 too. */
 extern const UInt8 gCharsTable[256];
 
 TOOLBOX_END_DECLS

@@ -141,6 +141,15 @@ TEST(Fitting, CalculatesInSinglePrecision)
     EXPECT_EQ(Fitted(Sized(31, 31), Sized(7, 7), false), Sized(30, 30));
 }
 
+TEST(Fitting, RoundsTheProductToSinglePrecisionToo)
+{
+    // 5 / 3 is a little less in single precision; its product with 3 is below 5 unless it is
+    // rounded again.
+    ASSERT_EQ(static_cast<int>(double{5.0F / 3.0F} * 3.0), 4);
+    EXPECT_EQ(Fitted(Sized(5, 5), Sized(3, 3), false), Sized(5, 5));
+    EXPECT_EQ(Placed(0x05, Sized(3, 3), Sized(5, 5)), Sized(5, 5));
+}
+
 TEST(Fitting, LeavesARectangleWithoutWidthOrHeightAlone)
 {
     EXPECT_EQ(Fitted(Sized(100, 100), Sized(0, 50), false), Sized(0, 50));
@@ -153,10 +162,45 @@ TEST(Fitting, ShrinkOnlyKeepsASizeThatFitsExactly)
     EXPECT_EQ(Fitted(Sized(100, 70), Sized(100, 50), true), Sized(100, 50));
 }
 
+TEST(Fitting, TurnsARectangleInsideOutForBoundsThatAre)
+{
+    EXPECT_EQ(Fitted({0, 0, 20, -20}, Sized(10, 10), false), Sized(-20, -20));
+    EXPECT_EQ(Fitted({0, 0, -20, -10}, Sized(-10, -10), false), Sized(-10, -10));
+}
+
 TEST(Fitting, SurvivesRectanglesThatAreInsideOut)
 {
-    Fitted({-32768, -32768, 32767, 32767}, {0, 0, 30000, -1}, false);
-    Placed(0x1D, {32767, 32767, -32768, -32768}, {-32768, -32768, 32767, 32767});
+    // The scale is -65535. The height becomes -65535 * 30000, rounded to a multiple of 128, of
+    // which a coordinate has the lower 16 bits; so has the width of 65535.
+    constexpr auto kBottom = static_cast<SInt16>(-1966050048);
+    EXPECT_EQ(Fitted({-32768, -32768, 32767, 32767}, {0, 0, 30000, -1}, false),
+              (Rect{0, 0, kBottom, -1}));
+    // The scale is -1: the far ends come to 32767 + 65535, in 16 bits 32766, and the rectangle
+    // goes to the middle with a length of -1.
+    EXPECT_EQ(Placed(0x1D, {32767, 32767, -32768, -32768}, {-32768, -32768, 32767, 32767}),
+              (Rect{0, 0, -1, -1}));
+}
+
+TEST(Fitting, TakesSidesLongerThanACoordinateCanBe)
+{
+    EXPECT_EQ(Fitted(Sized(30000, 30000), {-30000, -30000, 30000, 30000}, false),
+              (Rect{-30000, -30000, 0, 0}));
+    EXPECT_EQ(Fitted({-30000, -30000, 30000, 30000}, Sized(20000, 10000), true),
+              Sized(20000, 10000));
+}
+
+TEST(Centering, TakesSidesLongerThanACoordinateCanBe)
+{
+    EXPECT_EQ(Centered({-32768, -32768, 32767, 32767}, Sized(20, 10)), (Rect{-5, -10, 5, 10}));
+}
+
+TEST(DisplayFlags, MoveOverMoreThanACoordinateCanHold)
+{
+    const Rect natural = {30000, 30000, 30010, 30020};
+    const Rect bounds = {-30000, -30000, -29900, -29900};
+    EXPECT_EQ(Placed(0, natural, bounds), (Rect{-30000, -30000, -29990, -29980}));
+    EXPECT_EQ(Placed(0x60, natural, bounds), (Rect{-29910, -29920, -29900, -29900}));
+    EXPECT_EQ(Placed(0x18, natural, bounds), (Rect{-29955, -29960, -29945, -29940}));
 }
 
 namespace

@@ -28,9 +28,11 @@ const std::string kDocumentTypes = R"(
   </dict>
   <dict>
     <key>CFBundleTypeMIMETypes</key>
-    <array><string>video/mpeg</string><string>Audio/X-MPEG</string></array>
+    <array>
+      <string>video/mpeg</string><string>Audio/X-MPEG</string><string>video/mpég</string>
+    </array>
     <key>CFBundleTypeExtensions</key>
-    <array><string>mpg</string><string></string></array>
+    <array><string>mpg</string><string></string><string>még</string></array>
   </dict>
 </array>)";
 
@@ -98,6 +100,7 @@ TEST_F(DocumentTypes, AnArgumentThatIsNotAsciiIsNeverHeld)
 {
     EXPECT_FALSE(plugin.CanHandleMimeType("video/mp\xC3\xA9g"));
     EXPECT_FALSE(plugin.CanHandleFileExtension("m\x8Eg"));
+    EXPECT_FALSE(plugin.CanHandleFileExtension("m\xC3\xA9g"));
 }
 
 TEST_F(DocumentTypes, AnEmptyArgumentMatchesAnEmptyString)

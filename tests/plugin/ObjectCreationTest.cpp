@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <stdexcept>
 
 using test::MockPlugin;
@@ -209,6 +210,16 @@ TEST_F(TypeCheck, AFactoryWithoutAnObjectMeansNo)
 TEST_F(TypeCheck, AFactoryThatThrowsMeansNo)
 {
     const ScriptedFactory failing([](CFBundleRef) -> VornPlugin* { throw OSErr{paramErr}; });
+    EXPECT_FALSE(Check("bytes", 5));
+}
+
+TEST_F(TypeCheck, AnyOtherExceptionMeansNoToo)
+{
+    const std::unique_ptr<NiceMock<MockPlugin>> object(NextObject());
+    EXPECT_CALL(*object, CanHandleData).WillOnce(Throw(std::bad_alloc()));
+    EXPECT_FALSE(Check("bytes", 5));
+    EXPECT_EQ(MockPlugin::alive, 1);
+    const ScriptedFactory failing([](CFBundleRef) -> VornPlugin* { throw std::bad_alloc(); });
     EXPECT_FALSE(Check("bytes", 5));
 }
 

@@ -4,6 +4,7 @@
 #include "src/plugin/VornPlugin.h"
 
 #include "src/datasource/VornDataSource.h"
+#include "tests/plugin/VirtualSlot.h"
 #include "tests/support/ErrorOf.h"
 #include "tests/support/ScriptedHost.h"
 #include "tests/support/TestBundle.h"
@@ -13,6 +14,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -134,6 +138,25 @@ TEST_F(PluginBase, TellsTheHostItsRectangle)
     EXPECT_EQ(host.objects[0], &plugin);
 }
 
+TEST_F(PluginBase, HasItsRectangleWhenTheHostHearsOfIt)
+{
+    static Boolean gHad;
+    static Rect gSeen;
+    gHad = false;
+    gSeen = {};
+    VornPluginHostCalls calls = test::ScriptedHost::Calls();
+    calls.gotRect = [](VornPlugin* object, const Rect*) {
+        gHad = VornPluginHaveObjectDimensions(object);
+        gSeen = object->displayRect;
+        return OSErr{noErr};
+    };
+    SetupPluginHostCalls(&calls);
+    plugin.SetDisplayRect(Rect{0, 0, 20, 30});
+    EXPECT_TRUE(gHad);
+    EXPECT_EQ(gSeen.bottom, 20);
+    EXPECT_EQ(gSeen.right, 30);
+}
+
 TEST_F(PluginBase, TellsTheHostAnEmptyRectangleToo)
 {
     plugin.SetDisplayRect(Rect{});
@@ -171,6 +194,26 @@ TEST_F(PluginBase, TakesNoAnswerForAnUnknownEstimate)
     calls.getEstimatedObjectBytes = [](VornPlugin*, SInt32*) { return OSErr{ioErr}; };
     SetupPluginHostCalls(&calls);
     EXPECT_EQ(plugin.GetEstimatedDataSize(), -1);
+}
+
+TEST_F(PluginBase, TakesAnEstimateWhateverTheHostsResultIs)
+{
+    VornPluginHostCalls calls = test::ScriptedHost::Calls();
+    calls.getEstimatedObjectBytes = [](VornPlugin*, SInt32* bytes) {
+        *bytes = 77;
+        return OSErr{ioErr};
+    };
+    SetupPluginHostCalls(&calls);
+    EXPECT_EQ(plugin.CallHostGetEstimatedDataSize(), 77);
+}
+
+TEST_F(PluginBase, KeepsAnyNegativeEstimateButTheUnknownOne)
+{
+    host.estimate = -2;
+    EXPECT_EQ(plugin.GetEstimatedDataSize(), -2);
+    host.estimate = 9;
+    EXPECT_EQ(plugin.GetEstimatedDataSize(), -2);
+    EXPECT_EQ(host.calls.size(), 1U);
 }
 
 TEST_F(PluginBase, InitializeKeepsAllFour)
@@ -383,6 +426,32 @@ TEST_F(Decoding, ConvertsTheErrorASecondTimeBeforeItThrowsIt)
     EXPECT_EQ(object.finalError, -11);
 }
 
+TEST_F(Decoding, HasFinishedWhenItConvertsTheError)
+{
+    std::vector<Boolean> finished;
+    object.convert = [&](OSErr err) {
+        finished.push_back(object.renderingFinished);
+        return err;
+    };
+    Decode();
+    EXPECT_EQ(finished, std::vector<Boolean>{true});
+}
+
+TEST_F(Decoding, KnowsItsOutcomeWhenTheHostHearsOfIt)
+{
+    static OSErr gSeen;
+    gSeen = noErr;
+    VornPluginHostCalls calls = test::ScriptedHost::Calls();
+    calls.renderingDone = [](VornPlugin* finished, OSErr) {
+        VornPluginGetObjectRenderingError(finished, &gSeen);
+        return OSErr{noErr};
+    };
+    SetupPluginHostCalls(&calls);
+    object.render = [] { throw OSErr{5}; };
+    Decode();
+    EXPECT_EQ(gSeen, kVornErrRenderFailed);
+}
+
 TEST_F(Decoding, ConvertsSuccessOnce)
 {
     Decode();
@@ -441,4 +510,86 @@ TEST_F(Decoding, TheObjectDestroysItsDataSource)
         StepPlugin other(bundle.Get(), steps, failing);
     }
     EXPECT_EQ(steps, Steps{"destroy"});
+}
+
+namespace
+{
+
+// Counts, when it is destroyed, what is alive of bundles and their like.
+class CountingDataSource : public StepDataSource
+{
+public:
+    CountingDataSource(Steps& log, const std::string& failing, SInt32& countOut)
+        : StepDataSource(log, failing), count(countOut)
+    {
+    }
+    ~CountingDataSource() override { count = CountLiveObjects(kLiveFoundationObjects); }
+
+private:
+    SInt32& count;
+};
+
+} // namespace
+
+TEST_F(Decoding, TheDataSourceGoesBeforeTheBundle)
+{
+    SInt32 seen = -1;
+    auto* own = new test::TestBundle;
+    auto* other = new test::TestPlugin(own->Get());
+    delete own;
+    other->dataSource = new CountingDataSource(steps, failing, seen);
+    const SInt32 before = CountLiveObjects(kLiveFoundationObjects);
+    delete other;
+    EXPECT_EQ(seen, before);
+    EXPECT_LT(CountLiveObjects(kLiveFoundationObjects), before);
+}
+
+// Where the virtual operations and the fields lie is part of the binary interface.
+#ifdef VORN_KNOWS_VIRTUAL_SLOTS
+
+TEST(PluginLayout, KeepsTheOrderOfTheVirtualOperations)
+{
+    const std::uintptr_t slots[] = {
+        test::VirtualSlot(&VornPlugin::CanHandleData),
+        test::VirtualSlot(&VornPlugin::Decode),
+        test::VirtualSlot(&VornPlugin::Display),
+        test::VirtualSlot(&VornPlugin::Idle),
+        test::VirtualSlot(&VornPlugin::HandleClick),
+        test::VirtualSlot(&VornPlugin::PrepareDrag),
+        test::VirtualSlot(&VornPlugin::CleanupDrag),
+        test::VirtualSlot(&VornPlugin::GetData),
+        test::VirtualSlot(&VornPlugin::GetDisplayRect),
+        test::VirtualSlot(&VornPlugin::GetDisplayFlags),
+        test::VirtualSlot(&VornPlugin::SetDisplayFlags),
+        test::VirtualSlot(&VornPlugin::GetHaveDimensions),
+        test::VirtualSlot(&VornPlugin::GetRenderingError),
+        test::VirtualSlot(&VornPlugin::GetComment),
+        test::VirtualSlot(&VornPlugin::SetDisplayRect),
+        test::VirtualSlot(&VornPlugin::SetComment),
+        test::VirtualSlot(&VornPlugin::GetEstimatedDataSize),
+        test::VirtualSlot(&VornPlugin::Initialize),
+        test::VirtualSlot(&VornPlugin::Render),
+        test::VirtualSlot(&VornPlugin::ConvertError),
+        test::VirtualSlot(&VornPlugin::FinishRendering),
+        test::VirtualSlot(&VornPlugin::DisposeDecodingData),
+    };
+    std::uintptr_t expected = 2;
+    for (const std::uintptr_t slot : slots)
+        EXPECT_EQ(slot, expected++);
+    EXPECT_EQ(expected, 24U);
+}
+
+#endif
+
+TEST_F(PluginBase, KeepsTheOrderOfItsFields)
+{
+    const void* const fields[] = {
+        &plugin.dataSource,     &plugin.bundle,         &plugin.texts.comment,
+        &plugin.texts.mimeType, &plugin.texts.fileName, &plugin.fileType,
+        &plugin.creator,        &plugin.displayFlags,   &plugin.displayRect,
+        &plugin.reservedRefNum, &plugin.decodingThread, &plugin.estimatedDataSize,
+        &plugin.reservedFlag,   &plugin.haveDimensions, &plugin.renderingFinished,
+        &plugin.renderingError, &plugin.finalError,
+    };
+    EXPECT_TRUE(std::is_sorted(std::begin(fields), std::end(fields), std::less<>()));
 }
