@@ -184,6 +184,16 @@ TEST_F(StreamDataSource, AReadBeforeTheCacheRefillsItFromThere)
     EXPECT_EQ(source.cacheStart, 10);
 }
 
+TEST_F(StreamDataSource, AReadAcrossTheStartOfTheCacheRefillsItToo)
+{
+    Serve(Document(10000));
+    source.PrepareDataSource();
+    Get(5000, 4);
+    EXPECT_EQ(Get(4998, 4), noErr);
+    EXPECT_EQ(Got(), Part(4998, 4));
+    EXPECT_EQ(source.cacheStart, 4998);
+}
+
 TEST_F(StreamDataSource, AnAddressBeforeTheCacheRefillsItFromThere)
 {
     Serve(Document(10000));
