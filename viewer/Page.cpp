@@ -178,8 +178,9 @@ void Page::Fill(const Rect& rect, UInt8 grey)
     SInt32 rowBytes = 0;
     UInt8* const pixels = GetPortPixels(port_, &rowBytes);
     for (SInt32 v = visible.top; v < visible.bottom && visible.left < visible.right; ++v) {
-        std::memset(pixels + static_cast<ptrdiff_t>(v) * rowBytes + visible.left * kBytesPerPixel,
-                    grey, static_cast<size_t>((visible.right - visible.left) * kBytesPerPixel));
+        std::memset(pixels + static_cast<ptrdiff_t>(v) * rowBytes +
+                        ptrdiff_t{visible.left} * kBytesPerPixel,
+                    grey, static_cast<size_t>(visible.right - visible.left) * kBytesPerPixel);
     }
 }
 

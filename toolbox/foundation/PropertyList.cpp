@@ -14,7 +14,7 @@ namespace toolbox
 namespace
 {
 
-constexpr size_t kMostBytes = 256 * 1024;
+constexpr size_t kMostBytes = size_t{256} * 1024;
 // The library and the conversion go as deep as the list is nested, and a file of the most bytes
 // can nest some ten thousand deep: more than the stack of whoever asks may hold.
 constexpr size_t kReadingStack = size_t{64} << 20;

@@ -49,6 +49,7 @@ std::vector<Rect> VisibleRects(const CGrafPort& port, const Rect& rect, RgnHandl
     int count = 0;
     const pixman_box32_t* boxes = pixman_region32_rectangles(&visible.area, &count);
     std::vector<Rect> rects;
+    rects.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) {
         rects.push_back(RectFromBox(boxes[i]));
     }

@@ -26,7 +26,7 @@ RgnHandle MakeRegion()
         delete handle;
         return nullptr;
     }
-    region.release();
+    static_cast<void>(region.release()); // now the handle's
     CountInLedger(kLiveRegions, 1);
     return handle;
 }

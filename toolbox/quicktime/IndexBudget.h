@@ -27,10 +27,10 @@ public:
     SInt64 NextTime() const { return clock_ + (kWorthwhile - left_) / kBytesPerMicrosecond; }
 
     // Less than this is not worth a slice.
-    static constexpr SInt64 kWorthwhile = 16 * 1024;
+    static constexpr SInt64 kWorthwhile = SInt64{16} * 1024;
 
 private:
-    static constexpr SInt64 kMost = 1024 * 1024;
+    static constexpr SInt64 kMost = SInt64{1024} * 1024;
     static constexpr SInt64 kBytesPerMicrosecond = 16; // 16 MB a second
     SInt64 left_ = kMost;
     SInt64 clock_ = 0;

@@ -13,11 +13,11 @@ namespace
 {
 
 // How much one slice takes in: enough to keep up with any arrival, little enough to be over soon.
-constexpr SInt64 kBytesPerSlice = 256 * 1024;
+constexpr SInt64 kBytesPerSlice = SInt64{256} * 1024;
 constexpr int kPacketsPerSlice = 256;
 // A systems stream that has shown no picture after this much has only sound.
-constexpr SInt64 kSoundAloneAfter = 256 * 1024;
-constexpr SInt64 kMostAtOnce = 4 * 1024 * 1024;
+constexpr SInt64 kSoundAloneAfter = SInt64{256} * 1024;
+constexpr SInt64 kMostAtOnce = SInt64{4} * 1024 * 1024;
 
 class BusyMark
 {

@@ -60,7 +60,7 @@ private:
     void DrawVolume(const Face& face, CGrafPort& port);
     void DrawPlay(const Face& face, CGrafPort& port);
     void DrawSlider(const Face& face, CGrafPort& port);
-    void DrawStep(const Rect& button, bool isForward, CGrafPort& port);
+    void DrawStep(const Rect& box, bool isForward, CGrafPort& port);
     bool Press(Point at);
     void DragTo(Point at);
     bool HandleKey(char key);

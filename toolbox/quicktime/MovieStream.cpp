@@ -15,7 +15,7 @@ namespace
 {
 
 constexpr int kReadBufferSize = 32768;
-constexpr size_t kFiberStackSize = 256 * 1024;
+constexpr size_t kFiberStackSize = size_t{256} * 1024;
 constexpr size_t kFirstLook = 4096;
 // The demultiplexer of sound finds the first frame itself behind less than this.
 constexpr SInt64 kJunkItsDemuxerSkips = 60000;

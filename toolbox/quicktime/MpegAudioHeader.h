@@ -20,6 +20,6 @@ struct MpegAudioHeader {
 constexpr size_t kMpegAudioHeaderSize = 4;
 
 // None if the four bytes are no header, or one of a frame without a bit rate of its own.
-std::optional<MpegAudioHeader> ParseMpegAudioHeader(const UInt8* bytes);
+std::optional<MpegAudioHeader> ParseMpegAudioHeader(const UInt8* p);
 
 } // namespace toolbox

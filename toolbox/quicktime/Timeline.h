@@ -26,7 +26,7 @@ public:
 
     // Rewrites the packet's time stamps as nanoseconds on the unbroken time line; where the stamps
     // jump (joined recordings), the time goes on from where it was.
-    void Place(AVPacket& packet, const AVStream& stream);
+    void Place(AVPacket& packet, const AVStream& of);
     // The earliest presentation time and the end of everything placed so far, kNoTime before.
     Nanoseconds First() const { return first_; }
     Nanoseconds End() const { return end_; }

@@ -17,20 +17,20 @@ LibAVPtr<AVFrame> NewFrame()
     return frame;
 }
 
-LibAVPtr<AVCodecContext> TrackDecoder::Open(AVCodecID id, const AVCodecParameters& parameters)
+LibAVPtr<AVCodecContext> TrackDecoder::Open(AVCodecID codec, const AVCodecParameters& parameters)
 {
-    const AVCodec* const codec = avcodec_find_decoder(id);
-    if (codec == nullptr) {
+    const AVCodec* const found = avcodec_find_decoder(codec);
+    if (found == nullptr) {
         return nullptr;
     }
-    LibAVPtr<AVCodecContext> decoder(avcodec_alloc_context3(codec));
+    LibAVPtr<AVCodecContext> decoder(avcodec_alloc_context3(found));
     if (!decoder || avcodec_parameters_to_context(decoder.get(), &parameters) < 0) {
         return nullptr;
     }
-    decoder->codec_id = id;
+    decoder->codec_id = codec;
     decoder->thread_count = 1;
     decoder->pkt_timebase = kNanosecondBase;
-    if (avcodec_open2(decoder.get(), codec, nullptr) < 0) {
+    if (avcodec_open2(decoder.get(), found, nullptr) < 0) {
         return nullptr;
     }
     return decoder;

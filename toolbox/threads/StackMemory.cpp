@@ -13,7 +13,7 @@ namespace toolbox
 namespace
 {
 
-constexpr size_t kUsualSize = 256 * 1024;
+constexpr size_t kUsualSize = size_t{256} * 1024;
 constexpr size_t kMostKept = 16;
 
 size_t PageSize()
