@@ -74,6 +74,16 @@ TEST_F(AsynchronousReads, AnAsynchronousReadOfMpegDataIsDoneAtOnceAndWaits)
     EXPECT_TRUE(IsEmpty(handler->readQueue));
 }
 
+TEST_F(AsynchronousReads, AnAsynchronousReadOfMpegDataIsCutAtTheFinalEnd)
+{
+    OpenForMpeg(500);
+    ArriveCompletely();
+    EXPECT_EQ(ReadAsync(buffer, 450, 100, 42), noErr);
+    EXPECT_EQ(completions, (Completions{{buffer, 42, noErr}}));
+    EXPECT_TRUE(Holds(buffer, 450, 50));
+    EXPECT_TRUE(IsUntouched(buffer + 50, 50));
+}
+
 TEST_F(AsynchronousReads, AnAsynchronousReadOfMpegDataReturnsItsError)
 {
     OpenForMpeg(500);
@@ -92,6 +102,48 @@ TEST_F(AsynchronousReads, AnAsynchronousReadIsComparedWithoutSignAndWithoutWrapp
     EXPECT_EQ(ReadAsync(buffer, 0, 0xFFFFFFFF), noErr);
     Arrive(500);
     EXPECT_TRUE(completions.empty()); // all queued
+}
+
+TEST_F(AsynchronousReads, AQueuedAsynchronousReadGoesByTheLowWordOfItsOffset)
+{
+    Open("video/quicktime", 0, 500);
+    const wide offset = {1, 450};
+    EXPECT_EQ(Call(kDataHReadAsyncSelect, buffer, 100, &offset, Complete, 0), noErr);
+    EXPECT_TRUE(completions.empty());
+    Arrive(50);
+    EXPECT_EQ(completions, (Completions{{buffer, 0, noErr}}));
+    EXPECT_TRUE(Holds(buffer, 450, 100));
+}
+
+TEST_F(AsynchronousReads, AnAsynchronousReadAtOnceReturnsItsErrorAndCompletesNothing)
+{
+    Open("video/quicktime", 0, 500);
+    probe.Fail("FSRead", ioErr);
+    EXPECT_EQ(ReadAsync(buffer, 400, 100, 42), ioErr);
+    EXPECT_TRUE(completions.empty());
+    EXPECT_TRUE(IsEmpty(handler->readQueue));
+}
+
+TEST_F(AsynchronousReads, AnAsynchronousReadAtOncePassesOnWhatIsNoErrorCode)
+{
+    Open("video/quicktime", 0, 100);
+    PretendArrived(200);
+    EXPECT_EQ(ReadAsync(buffer, 150, 10), paramErr);
+    EXPECT_TRUE(completions.empty());
+    EXPECT_TRUE(IsEmpty(handler->readQueue));
+    EXPECT_FALSE(HasWaited());
+}
+
+TEST_F(AsynchronousReads, AQueuedAsynchronousReadPassesOnWhatIsNoErrorCode)
+{
+    Open("video/quicktime", 0, 100);
+    ReadAsync(buffer, 150, 10);
+    PretendArrived(200);
+    EXPECT_EQ(Call(kDataHTaskSelect), paramErr);
+    EXPECT_TRUE(completions.empty());
+    EXPECT_FALSE(IsEmpty(handler->readQueue));
+    EXPECT_FALSE(handler->inCallbacks);
+    EXPECT_FALSE(HasWaited());
 }
 
 TEST_F(AsynchronousReads, AQueuedAsynchronousReadThatFailsStaysQueued)

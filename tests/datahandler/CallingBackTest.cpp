@@ -22,6 +22,21 @@ protected:
         };
     }
 
+    // The same with `body` in every one. Stops at the third level, so that a queue processed again
+    // fails the test and does not fill the stack.
+    void CallBackEveryTime(std::function<void()> body)
+    {
+        onCompletion = [this, body = std::move(body)] {
+            ++depth;
+            deepest = std::max(deepest, depth);
+            if (depth < 3) {
+                body();
+            }
+            --depth;
+        };
+    }
+    void CallTask() { EXPECT_EQ(Call(kDataHTaskSelect), noErr); }
+
     int depth = 0;
     int deepest = 0;
 };
@@ -32,9 +47,53 @@ TEST_F(CallingBack, WithTaskProcessesNoQueueASecondTime)
     Schedule(Place(0), 0, 100);
     Schedule(Place(1), 0, 100);
     ReadAsync(Place(2), 0, 100);
-    CallBackOnce([this] { EXPECT_EQ(Call(kDataHTaskSelect), noErr); });
+    CallBackEveryTime([this] { CallTask(); });
     Arrive(100);
     EXPECT_EQ(completions.size(), 3u);
+    EXPECT_EQ(deepest, 1);
+    EXPECT_FALSE(handler->inCallbacks);
+}
+
+TEST_F(CallingBack, WithTaskDoesNotProcessScheduledReadsASecondTime)
+{
+    Open();
+    Schedule(Place(0), 0, 100);
+    Schedule(Place(1), 0, 100);
+    CallBackEveryTime([this] { CallTask(); });
+    Arrive(100);
+    EXPECT_EQ(completions, (Completions{{Place(0), 0, noErr}, {Place(1), 0, noErr}}));
+    EXPECT_EQ(deepest, 1);
+}
+
+TEST_F(CallingBack, WithTaskDoesNotProcessAsynchronousReadsASecondTime)
+{
+    Open();
+    ReadAsync(Place(0), 0, 100);
+    ReadAsync(Place(1), 0, 100);
+    CallBackEveryTime([this] { CallTask(); });
+    Arrive(100);
+    EXPECT_EQ(completions, (Completions{{Place(0), 0, noErr}, {Place(1), 0, noErr}}));
+    EXPECT_EQ(deepest, 1);
+}
+
+TEST_F(CallingBack, FromAFileSizeRequestProcessesNoQueue)
+{
+    Open();
+    wide first = {};
+    wide second = {};
+    handler->GetFileSizeAsync(&first, Complete, 1);
+    handler->GetFileSizeAsync(&second, Complete, 2);
+    Schedule(Place(0), 0, 100, 3);
+    Spool(*plugin, 100);
+    CallBackEveryTime([this] {
+        handler->ProcessAsyncFileSizeCallbacks();
+        CallTask();
+        EXPECT_EQ(Finish(Place(0), false), noErr);
+    });
+    ArriveCompletely();
+    EXPECT_EQ(completions, (Completions{{reinterpret_cast<char*>(&first), 1, noErr},
+                                        {reinterpret_cast<char*>(&second), 2, noErr},
+                                        {Place(0), 3, noErr}}));
     EXPECT_EQ(deepest, 1);
     EXPECT_FALSE(handler->inCallbacks);
 }

@@ -24,6 +24,19 @@ protected:
     {
         return std::count(place, place + size, char{0}) == size;
     }
+    // Lets the instance believe in more bytes than are spooled. A read that waits for them, which
+    // it must not, is released at its first yield.
+    void PretendArrived(SInt32 bytes)
+    {
+        handler->availableSize = bytes;
+        probe.Forget();
+        probe.onCall = [this](const std::string& call) {
+            if (call == "YieldToAnyThread") {
+                plugin->allDataSpooled = true;
+            }
+        };
+    }
+    bool HasWaited() { return probe.Count("YieldToAnyThread") != 0; }
 };
 
 } // namespace test

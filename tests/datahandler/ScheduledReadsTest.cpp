@@ -123,6 +123,18 @@ TEST_F(ScheduledReads, AQueuedReadTellsItsErrorToTheCompletionRoutine)
     EXPECT_TRUE(IsEmpty(handler->scheduleQueue));
 }
 
+TEST_F(ScheduledReads, AQueuedReadPassesOnWhatIsNoErrorCode)
+{
+    Open("video/quicktime", 0, 100);
+    Schedule(buffer, 150, 10);
+    PretendArrived(200);
+    EXPECT_EQ(Call(kDataHTaskSelect), paramErr);
+    EXPECT_TRUE(completions.empty());
+    EXPECT_FALSE(IsEmpty(handler->scheduleQueue));
+    EXPECT_FALSE(handler->inCallbacks);
+    EXPECT_FALSE(HasWaited());
+}
+
 TEST_F(ScheduledReads, QueuedReadsCompleteInTheOrderTheyWereAskedFor)
 {
     Open();

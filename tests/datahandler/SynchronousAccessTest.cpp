@@ -154,6 +154,16 @@ TEST_F(SynchronousAccess, WhileLoadingTellsTheSizeTheHostExpects)
     EXPECT_EQ(size.lo, 9000u);
 }
 
+TEST_F(SynchronousAccess, TellsASizeTheHostDoesNotKnowAsAllOnesInTheLowWord)
+{
+    Open();
+    host.estimate = -1;
+    wide size = {1, 1};
+    EXPECT_EQ(Call(kDataHGetFileSize64Select, &size), noErr);
+    EXPECT_EQ(size.hi, 0);
+    EXPECT_EQ(size.lo, 0xFFFFFFFFu);
+}
+
 TEST_F(SynchronousAccess, AfterLoadingTellsTheFinalSize)
 {
     Open();

@@ -3,6 +3,8 @@
 #include "tests/support/CooperativeThread.h"
 #include "toolbox/gestalt/Gestalt.h"
 
+#include <deque>
+
 namespace test
 {
 namespace
@@ -11,14 +13,18 @@ namespace
 class SpoolingAhead : public RequestQueues
 {
 protected:
-    // How many bytes Task gets spooled before it returns, of those that another thread brings at
-    // a thousand a turn. Runs on the thread it is called on.
-    SInt32 SpooledByTask()
+    // How many bytes Task gets spooled before it returns, of those that another thread brings: a
+    // turn each of `portions`, then a thousand a turn. Runs on the thread it is called on.
+    SInt32 SpooledByTask(std::deque<SInt32> portions = {})
     {
         const SInt32 before = plugin->bytesSpooled;
-        const CooperativeThread bringer([this] {
+        const CooperativeThread bringer([&] {
             for (;;) {
-                Spool(*plugin, 1000);
+                const SInt32 bytes = portions.empty() ? 1000 : portions.front();
+                if (!portions.empty()) {
+                    portions.pop_front();
+                }
+                Spool(*plugin, bytes);
                 YieldToAnyThread();
             }
         });
@@ -31,6 +37,12 @@ TEST_F(SpoolingAhead, TaskWaitsFor16KilobytesMore)
 {
     OpenForMpeg(500);
     EXPECT_EQ(SpooledByTask(), 17000); // 16384 and what the last turn brought beyond
+}
+
+TEST_F(SpoolingAhead, TaskWaitsForNotAByteLessAndNotAByteMore)
+{
+    OpenForMpeg(500);
+    EXPECT_EQ(SpooledByTask({16383, 1}), 16384);
 }
 
 TEST_F(SpoolingAhead, TaskWaitsOnTheTaskingThreadToo)

@@ -140,6 +140,14 @@ TEST_F(MovieDisplay, TakesAClickThatTheControllerTakes)
     EXPECT_EQ(probe.Calls({"MCSetClip", "MCIsPlayerEvent"})[1], "MCIsPlayerEvent 1");
 }
 
+TEST_F(MovieDisplay, AClickDoesNotChangeWhereTheMovieDraws)
+{
+    auto plugin = MakePlayingPlugin();
+    plugin->moviePort = nullptr;
+    plugin->HandleClick(area, {});
+    EXPECT_EQ(plugin->moviePort, nullptr);
+}
+
 TEST_F(MovieDisplay, KnowsThatItHandlesAClick)
 {
     auto plugin = MakePlayingPlugin();

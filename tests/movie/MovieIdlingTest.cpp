@@ -156,6 +156,58 @@ TEST_F(MovieIdling, TellsTheControllerOfGrowthWhileDataArriveThenIdlesIt)
     EXPECT_EQ(Movies().actionParameter, nullptr);
 }
 
+TEST_F(MovieIdling, IsNoControllerCallInWhichNobodyMayWait)
+{
+    auto plugin = MakePlayingPlugin();
+    bool raised = false;
+    Movies().onCall = [&](const std::string&) { raised = raised || plugin->inControllerCall; };
+    plugin->Idle(area, 0);
+    Movies().onCall = nullptr;
+    EXPECT_EQ(probe.Count("MCDoAction"), 1);
+    EXPECT_FALSE(raised);
+}
+
+// A kind of movie that places itself.
+class SelfPlacedMovie : public VornMoviePlugin
+{
+public:
+    using VornMoviePlugin::VornMoviePlugin;
+    void GetDisplayRect(const Rect&, Rect& outRect) override { outRect = {1, 2, 31, 42}; }
+    void SetDisplayRect(const Rect& rect) override { reported.push_back(rect); }
+
+    std::vector<Rect> reported;
+};
+
+TEST_F(MovieIdling, ReportsTheSizeToTheKindOfMovieItIs)
+{
+    SelfPlacedMovie plugin(bundle.Get());
+    plugin.moviePort = port;
+    ASSERT_EQ(plugin.OpenMovie(true, true), noErr);
+    Movies().controllerBounds = {5, 6, 121, 206};
+    plugin.Idle(area, 0);
+    ASSERT_EQ(plugin.reported.size(), 1u);
+    EXPECT_TRUE(plugin.reported[0] == (Rect{0, 0, 117, 200}));
+}
+
+TEST_F(MovieIdling, IsDisplayedWhereTheKindOfMovieItIsSays)
+{
+    SelfPlacedMovie plugin(bundle.Get());
+    plugin.moviePort = port;
+    ASSERT_EQ(plugin.OpenMovie(true, true), noErr);
+    plugin.Idle(area, 0);
+    plugin.Display(area, 0);
+    EXPECT_EQ(probe.Calls({"MCSetControllerBoundsRect"}),
+              Calls{"MCSetControllerBoundsRect 1,2,30,42"});
+}
+
+TEST_F(MovieIdling, MakesNoControllerWithoutAMovie)
+{
+    auto plugin = MakePlugin();
+    plugin->SetupMovieController();
+    EXPECT_EQ(plugin->movieController, nullptr);
+    EXPECT_EQ(probe.Calls(kIdleCalls), Calls{});
+}
+
 TEST_F(MovieIdling, ClipsTheControllerToThePort)
 {
     auto plugin = MakePlayingPlugin();

@@ -92,6 +92,41 @@ TEST_F(MoviePlugin, IsTheCurrentOneOnceConstructed)
     EXPECT_EQ(VornMoviePlugin::GetMoviePlugin(), second.get());
 }
 
+TEST_F(MoviePlugin, IsNotTheCurrentOneBeforeMoviesAreEntered)
+{
+    const auto former = MakePlugin();
+    VornMoviePlugin* current = nullptr;
+    Movies().onCall = [&](const std::string& call) {
+        if (call == "EnterMovies") {
+            current = VornMoviePlugin::GetMoviePlugin();
+        }
+    };
+    const auto latter = MakePlugin();
+    Movies().onCall = nullptr;
+    EXPECT_EQ(current, former.get());
+}
+
+TEST_F(MoviePlugin, StaysTheCurrentOneWithItsListenersUntilItsFileIsGone)
+{
+    DeathWatch listener(probe);
+    auto plugin = MakePlugin();
+    plugin->AddLoadListener(&listener);
+    plugin->CreateMovieFile();
+    VornMoviePlugin* const dying = plugin.get();
+    VornMoviePlugin* current = nullptr;
+    SInt32 listeners = -1;
+    probe.onCall = [&](const std::string& call) {
+        if (call == "FSpDelete") {
+            current = VornMoviePlugin::GetMoviePlugin();
+            listeners = dying->loadListeners.count;
+        }
+    };
+    plugin.reset();
+    probe.onCall = nullptr;
+    EXPECT_EQ(current, dying);
+    EXPECT_EQ(listeners, 1);
+}
+
 TEST_F(MoviePlugin, ThrowsWhatGestaltFailsWith)
 {
     const auto older = MakePlugin();
@@ -195,9 +230,11 @@ TEST_F(MoviePlugin, LeavesNoCurrentOneWhenAnOlderOneIsDestroyed)
 
 TEST_F(MoviePlugin, HasAnErrorProcedureThatDoesNothing)
 {
-    probe.Forget();
+    Calls calls;
+    probe.onCall = [&](const std::string& call) { calls.push_back(call); };
     VornMoviePlugin::MyErrProc(-50, 1);
-    EXPECT_TRUE(probe.Calls(kReleaseCalls).empty());
+    probe.onCall = nullptr;
+    EXPECT_EQ(calls, Calls{});
 }
 
 // File name, and the extension that is looked for.

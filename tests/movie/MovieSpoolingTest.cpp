@@ -59,6 +59,15 @@ TEST_F(MovieSpooling, DoesNotMarkAFileCreatedThatCouldNotBe)
     EXPECT_FALSE(plugin->spoolFileCreated);
 }
 
+TEST_F(MovieSpooling, KnowsWhereTheFileWasToBeWhenItCouldNotBeCreated)
+{
+    auto plugin = MakePlugin();
+    probe.Fail("FSpCreate", dskFulErr);
+    EXPECT_EQ(ThrownBy([&] { plugin->CreateMovieFile(); }), dskFulErr);
+    const auto* const name = reinterpret_cast<const char*>(plugin->spoolFileSpec.name);
+    EXPECT_EQ(std::string(name + 1, static_cast<size_t>(name[0])), "clip.mpg");
+}
+
 TEST_F(MovieSpooling, ThrowsWhatTheTemporaryFolderFailsWith)
 {
     auto plugin = MakePlugin();

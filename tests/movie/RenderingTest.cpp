@@ -185,9 +185,11 @@ TEST_F(Rendering, DisposingOfDecodingDataTwiceIsHarmless)
 {
     auto plugin = MakePlugin();
     Spool(*plugin, 10);
+    probe.Forget();
     plugin->DisposeDecodingData();
     EXPECT_EQ(plugin->spoolBuffer, nullptr);
     EXPECT_NO_THROW(plugin->DisposeDecodingData());
+    EXPECT_EQ(probe.Count("DisposeHandle"), 2); // of null, too
     plugin->CloseMovieFile();
 }
 

@@ -59,6 +59,14 @@ TEST_F(SpooledData, IsReadThroughOnePathThatStaysOpen)
     EXPECT_NE(plugin->spoolReadRefNum, plugin->spoolWriteRefNum);
 }
 
+TEST_F(SpooledData, IsMeasuredThenSoughtThenRead)
+{
+    probe.Forget();
+    Read(500, 10);
+    const Calls inOrder = {"FSpOpenDF", "GetEOF", "SetFPos", "FSRead"};
+    EXPECT_EQ(probe.Calls(inOrder), inOrder);
+}
+
 TEST_F(SpooledData, IsOpenForReadingOnly)
 {
     Read(0, 10);

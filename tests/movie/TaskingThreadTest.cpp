@@ -135,6 +135,16 @@ TEST_F(TaskingThread, OpensAtTickOne)
     EXPECT_EQ(MovieCalls(), Calls{kAsyncOpen});
 }
 
+TEST_F(TaskingThread, ComparesTheTicksWithoutSign)
+{
+    plugin->bytesSpooled = 65537;
+    clock.GoToTick(0x80000001);
+    ASSERT_EQ(TickCount(), 0x80000001);
+    Start();
+    Pass();
+    EXPECT_EQ(MovieCalls(), Calls{kAsyncOpen});
+}
+
 TEST_F(TaskingThread, OpensACompleteMovieSynchronouslyAndEnds)
 {
     plugin->bytesSpooled = 100;
@@ -255,6 +265,31 @@ TEST_F(TaskingThread, EndsQuietlyWhenAnExceptionEscapesItsLoop)
     EXPECT_EQ(CountLiveObjects(kLiveThreads), 0);
     EXPECT_NO_THROW(plugin.reset());
     EXPECT_EQ(probe.Count("DisposeThread"), 1);
+}
+
+// Straight through the entry: nobody above it would hide what it lets out.
+template <typename Thrown>
+void LetTaskingThrow(VornMoviePlugin& plugin, const Thrown& thrown)
+{
+    ASSERT_EQ(plugin.OpenMovie(true, true), noErr);
+    Movies().onCall = [thrown](const std::string& call) {
+        if (call == kTask) {
+            throw thrown;
+        }
+    };
+    void* result = &plugin;
+    EXPECT_NO_THROW(result = VornMoviePlugin::TaskingThreadEntry(&plugin));
+    EXPECT_EQ(result, nullptr);
+}
+
+TEST_F(TaskingThread, LetsNoExceptionOutOfItsEntry)
+{
+    LetTaskingThrow(*plugin, std::runtime_error("the movie fails"));
+}
+
+TEST_F(TaskingThread, LetsNoThrownNumberOutOfItsEntry)
+{
+    LetTaskingThrow(*plugin, SInt32{notEnoughDataErr});
 }
 
 TEST_F(TaskingThread, SwallowsAnErrorThrownWhileOpening)

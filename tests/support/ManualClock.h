@@ -3,6 +3,8 @@
 
 #include "toolbox/events/Events.h"
 
+#include <algorithm>
+
 namespace test
 {
 
@@ -15,12 +17,12 @@ public:
     ManualClock(const ManualClock&) = delete;
     ManualClock& operator=(const ManualClock&) = delete;
 
-    // To the moment when TickCount becomes `ticks`.
+    // To the moment when TickCount, which begins with 1, becomes `ticks`; never back.
     void GoToTick(UInt32 ticks)
     {
-        while (TickCount() < ticks) {
-            microseconds_ += 100;
-        }
+        constexpr SInt64 kTicksPerSecond = 60;
+        const SInt64 elapsed = (SInt64{ticks} - 1) * 1000000;
+        microseconds_ = std::max(microseconds_, (elapsed + kTicksPerSecond - 1) / kTicksPerSecond);
     }
 
 private:
