@@ -3,7 +3,9 @@
 // The selectors' routines, as the Component Manager calls them: the storage (a
 // VornPluginDataHandlerComponent), then pointer-wide slots in the order of the published data
 // handler interface. They narrow the slots and call the instance operation of the same name; what
-// that throws becomes the result, an OSErr as it is and anything else as paramErr.
+// that throws becomes the result, an OSErr as it is and anything else as paramErr. GetInfoFlags,
+// FlushCache and GetMacOSFileType need no such guard: what they call throws nothing, and they
+// always return noErr. Open reports every failure to make the instance as memFullErr.
 #pragma once
 
 #include "toolbox/components/Components.h"
@@ -11,7 +13,8 @@
 namespace datahandler
 {
 
-// The instance that answers for storage; null before the component is open.
+// The alias data handler's instance, to which goes what the component does not answer itself;
+// null while there is no storage, that is before the component is open.
 ComponentInstance DelegateOf(void* storage);
 
 // Opens the delegate and makes the instance. paramErr without an alias data handler, what opening

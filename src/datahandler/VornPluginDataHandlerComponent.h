@@ -72,8 +72,6 @@ public:
     // Which of the movie plug-in's threads is running; false without one.
     Boolean OnApplicationThread() const;
     Boolean OnDecodingThread() const;
-    // 0 without a copy when the movie plug-in has died. Throws what GetMovieData does.
-    OSErr GetDataFromOffset(void* dest, SInt32 offset, SInt32* count, unsigned char mustHaveAll);
 
     // `force`: also requests whose bytes are not there, which are then waited for.
     void ProcessScheduleDataCallbacks(char* placement, unsigned char cancel, unsigned char force);
@@ -99,6 +97,8 @@ public:
 
 private:
     bool HasArrived(SInt64 offset, SInt64 size) const { return offset + size <= availableSize; }
+    // 0 without a copy when the movie plug-in has died. Throws what GetMovieData does.
+    OSErr GetDataFromOffset(void* dest, SInt32 offset, SInt32* count, unsigned char mustHaveAll);
     OSErr ReadForRequest(char* placement, SInt32 offset, SInt32 size, unsigned char mustHaveAll);
     [[noreturn]] void ThrowNotThere() const;
     bool MaySpoolAhead() const;

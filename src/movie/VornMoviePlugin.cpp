@@ -73,8 +73,8 @@ VornMoviePlugin::~VornMoviePlugin()
     if (spoolFileCreated) {
         FSpDelete(&spoolFileSpec);
     }
-    // Also when a newer plug-in has taken our place: hosts rely on no more than one being opened
-    // at a time.
+    // Also when a newer plug-in has taken our place: the data handler's binding relies on hosts
+    // opening one movie at a time.
     gMoviePlugin = nullptr;
     loadListeners.Clear(false);
 }

@@ -36,7 +36,10 @@ class HostedObject
 {
 public:
     HostedObject(const MovieBundle& bundle, std::string bytes, CGrafPtr port);
-    // Ends as a host ends: no more bytes, decoding returns, the object is freed.
+    // Ends as a host ends: no more bytes, decoding returns, the object is freed. Yields meanwhile.
+    // That is safe in a destructor on the application thread alone, where every test runs: nobody
+    // can dispose of that thread, so the yield always returns, and nothing thrown on another
+    // thread passes through here.
     ~HostedObject();
     HostedObject(const HostedObject&) = delete;
     HostedObject& operator=(const HostedObject&) = delete;

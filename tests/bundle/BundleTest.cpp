@@ -10,7 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -68,11 +70,13 @@ protected:
         return ReadWholeFile(VORN_CLIPS "/" + name);
     }
 
-    // Whether the temporary folder holds the first object's spool file.
-    static bool HasSpoolFile()
+    // Whether the temporary folder holds an object's spool file: the first object's by default. An
+    // object whose name is taken numbers its own, clip.2.mpg for the second one.
+    static bool HasSpoolFile(const std::string& name = "clip.mpg")
     {
         CInfoPBRec info{};
-        Str255 pascal = {8, 'c', 'l', 'i', 'p', '.', 'm', 'p', 'g'};
+        Str255 pascal = {static_cast<UInt8>(name.size())};
+        std::copy(name.begin(), name.end(), pascal + 1);
         info.ioNamePtr = pascal;
         FindFolder(kOnSystemDisk, kTemporaryFolderType, kCreateFolder, &info.ioVRefNum,
                    &info.ioDirID);
@@ -129,11 +133,22 @@ TEST_F(WholeBundle, PlaysAMovieBelowTheGateWhenItIsComplete)
 
 TEST_F(WholeBundle, TellsThatATextIsNoMovie)
 {
+    int opens = 0;
+    SetToolboxObserver(
+        [](const char* operation, void* count) -> OSErr {
+            *static_cast<int*>(count) += std::strcmp(operation, "NewMovieFromDataRef") == 0;
+            return noErr;
+        },
+        &opens);
+    GetMoviesError(); // forgets an earlier one
     const auto object = Make("No movie at all.\n");
     object->arrived = 1000;
     for (int i = 0; i < 10; ++i) {
         Round(*object);
     }
+    SetToolboxObserver(nullptr, nullptr);
+    EXPECT_EQ(opens, 1);
+    EXPECT_EQ(GetMoviesError(), noMovieFound);
     EXPECT_EQ(object->decodeResult, noErr);
     EXPECT_EQ(object->Statistics().movies, 0);
 }
@@ -146,6 +161,27 @@ TEST_F(WholeBundle, TellsTheErrorOfALongFileThatIsNoMovie)
         Round(*object);
     }
     EXPECT_EQ(object->idleResult, noMovieFound);
+}
+
+// Those of three objects at a time.
+constexpr const char* kSpoolFiles[] = {"clip.mpg", "clip.2.mpg", "clip.3.mpg"};
+
+TEST_F(WholeBundle, KeepsASpoolFileForEachObject)
+{
+    std::vector<std::unique_ptr<HostedObject>> objects;
+    for (const char* const name : kSpoolFiles) {
+        EXPECT_FALSE(HasSpoolFile(name)) << name;
+        objects.push_back(Make(Clip("tiny.mpg")));
+        objects.back()->arrived = 4096;
+        for (int i = 0; i < 4; ++i) {
+            Round(*objects.back());
+        }
+        EXPECT_TRUE(HasSpoolFile(name)) << name;
+    }
+    objects.clear();
+    for (const char* const name : kSpoolFiles) {
+        EXPECT_FALSE(HasSpoolFile(name)) << name;
+    }
 }
 
 TEST_F(WholeBundle, EndsCleanlyWhereverItIsBrokenOff)
@@ -176,7 +212,9 @@ TEST_F(WholeBundle, EndsCleanlyWhereverItIsBrokenOff)
             Round(*object);
         }
         objects.clear();
-        EXPECT_FALSE(HasSpoolFile());
+        for (const char* const name : kSpoolFiles) {
+            EXPECT_FALSE(HasSpoolFile(name)) << name;
+        }
     }
 }
 

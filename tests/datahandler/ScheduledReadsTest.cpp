@@ -260,6 +260,27 @@ TEST_F(ScheduledReads, PollingCopiesWhatIsThereAndKeepsTheRequest)
     EXPECT_EQ(completions, (Completions{{buffer, 42, noErr}}));
 }
 
+TEST_F(ScheduledReads, PollingSucceedsAndCopiesNothingOnceThePluginHasDied)
+{
+    Open("video/quicktime", 0, 500);
+    Schedule(buffer, 450, 100);
+    KillPlugin();
+    UInt32 count = 77;
+    EXPECT_EQ(Call(kDataHPollReadSelect, buffer, &count), noErr);
+    EXPECT_EQ(count, 50u); // as it was asked for
+    EXPECT_TRUE(IsUntouched(buffer, 100));
+}
+
+TEST_F(ScheduledReads, PollingNeverWaits)
+{
+    Open("video/quicktime", 0, 100);
+    Schedule(buffer, 50, 100);
+    PretendArrived(200);
+    UInt32 count = 77;
+    EXPECT_EQ(Call(kDataHPollReadSelect, buffer, &count), paramErr);
+    EXPECT_FALSE(HasWaited());
+}
+
 TEST_F(ScheduledReads, PollingBeforeTheFirstByteGivesNone)
 {
     Open("video/quicktime", 0, 500);

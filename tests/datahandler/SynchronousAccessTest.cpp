@@ -269,27 +269,6 @@ TEST_F(SynchronousAccess, ReportsAnyOtherExceptionAsABadParameter)
     EXPECT_EQ(Call(kDataHScheduleDataSelect, &buffer[0], 0, 10, 0, nullptr, Complete), paramErr);
 }
 
-TEST_F(SynchronousAccess, HandsRequestsToThePlugin)
-{
-    Open("video/quicktime", FOUR_CHARS('M', 'o', 'o', 'V'), 100);
-    SInt32 count = 10;
-    EXPECT_EQ(handler->GetDataFromOffset(buffer, 90, &count, false), noErr);
-    EXPECT_EQ(count, 10);
-    EXPECT_TRUE(Holds(buffer, 90, 10));
-    count = 11;
-    EXPECT_EQ(IntThrownBy([&] { handler->GetDataFromOffset(buffer, 90, &count, false); }),
-              notEnoughDataErr);
-}
-
-TEST_F(SynchronousAccess, CopiesNothingAndSucceedsOnceThePluginHasDied)
-{
-    Open("video/quicktime", FOUR_CHARS('M', 'o', 'o', 'V'), 100);
-    KillPlugin();
-    SInt32 count = 10;
-    EXPECT_EQ(handler->GetDataFromOffset(buffer, 0, &count, true), noErr);
-    EXPECT_EQ(std::count(buffer, buffer + 10, char{0}), 10);
-}
-
 TEST_F(SynchronousAccess, AsksThePluginWhichThreadIsRunning)
 {
     Open();

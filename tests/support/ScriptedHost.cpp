@@ -11,8 +11,8 @@ namespace test
 
 ScriptedHost* ScriptedHost::current = nullptr;
 
-ScriptedHost::ScriptedHost(std::string wholeDocument, std::vector<Arrival> arrivals)
-    : whole(std::move(wholeDocument)), plan(std::move(arrivals))
+ScriptedHost::ScriptedHost(std::string wholeObject, std::vector<Arrival> arrivals)
+    : whole(std::move(wholeObject)), plan(std::move(arrivals))
 {
     if (plan.empty())
         plan.push_back({static_cast<SInt32>(whole.size()), true});

@@ -23,7 +23,7 @@ struct Arrival {
 class ScriptedHost
 {
 public:
-    // `whole` is the document. Each getData takes the next step of `plan`, the last one again and
+    // `whole` is the object. Each getData takes the next step of `plan`, the last one again and
     // again; without a plan all bytes are there from the start.
     explicit ScriptedHost(std::string whole = {}, std::vector<Arrival> plan = {});
     ~ScriptedHost();
