@@ -31,7 +31,7 @@ protected:
         handler->availableSize = bytes;
         probe.Forget();
         probe.onCall = [this](const std::string& call) {
-            if (call == "YieldToAnyThread") {
+            if (call == "YieldToAnyThread" && plugin != nullptr) {
                 plugin->allDataSpooled = true;
             }
         };
