@@ -28,7 +28,7 @@ VORN_EXPORT void MakeLegalFileNameWithExtension(const char* name, const char** o
 VORN_EXPORT OSErr MakeFileNameUnique(FSSpec* spec, const char* extension);
 /* Makes spec->name from `name`, legal and unique in the directory that `spec` names. */
 VORN_EXPORT OSErr MakeUniqueFileNameWithExtension(const char* name, FSSpec* spec);
-/* A unique specification in the temporary folder; the file is not created. */
+/* Names a file of the temporary folder that does not exist yet; it is not created. */
 VORN_EXPORT OSErr GetTempFileSpec(const char* name, FSSpec* outSpec);
 /* 0 if `spec` names something, and then whether it is a folder (outIsFolder may be null); fnfErr
  * if it does not. */
