@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: MIT
 #
-# vorn_bundle(<name> INFO_PLIST <file> SOURCES <files>): a plug-in bundle on disk,
+# vorn_bundle(<name> INFO_PLIST <file> SOURCES <files> [LIBRARIES <libraries>]): a plug-in bundle
+# on disk,
 #   plugins/<name>.plugin/Contents/Info.plist      the information dictionary, variables filled in
-#   plugins/<name>.plugin/Contents/Linux/<name>.so all of the library `vorn`, and SOURCES, which
-#                                                  define MakeNewPlugin
+#   plugins/<name>.plugin/Contents/Linux/<name>.so all of the library `vorn_framework`, the
+#                                                  libraries, and SOURCES, which define
+#                                                  MakeNewPlugin
 # It exports the names of src/exported-names.txt that it defines, and nothing else.
 
 set(VORN_EXPORTED_NAMES ${CMAKE_CURRENT_LIST_DIR}/../src/exported-names.txt)
@@ -17,13 +19,14 @@ file(CONFIGURE OUTPUT ${VORN_VERSION_SCRIPT} @ONLY
      CONTENT "{\n  global:\n    @names@;\n  local:\n    *;\n};\n")
 
 function(vorn_bundle name)
-  cmake_parse_arguments(ARG "" "INFO_PLIST" "SOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "" "INFO_PLIST" "SOURCES;LIBRARIES" ${ARGN})
   set(contents ${VORN_PLUGINS_DIR}/${name}.plugin/Contents)
   set(VORN_BUNDLE_NAME ${name})
   configure_file(${ARG_INFO_PLIST} ${contents}/Info.plist @ONLY)
 
-  add_library(${name} MODULE ${ARG_SOURCES})
-  target_link_libraries(${name} PRIVATE $<LINK_LIBRARY:WHOLE_ARCHIVE,vorn> vorntoolbox)
+  # As objects, so that what a host or a decoder calls is there whether the sources call it or not.
+  add_library(${name} MODULE ${ARG_SOURCES} $<TARGET_OBJECTS:vorn_framework>)
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} vorntoolbox)
   target_link_options(${name} PRIVATE LINKER:--version-script=${VORN_VERSION_SCRIPT}
                       LINKER:-z,defs)
   set_target_properties(${name} PROPERTIES

@@ -7,7 +7,8 @@
 
 #include <vector>
 
-namespace toolbox {
+namespace toolbox
+{
 
 // The parts of `rect` that may be drawn: inside the port's bounds and clip region and inside
 // `clip` (null: no further limit). Port coordinates.

@@ -1,6 +1,7 @@
 /* SPDX-License-Identifier: MIT
  *
- * QuickDraw: ports, regions and rectangles.
+ * QuickDraw: ports, colours, regions and rectangles. Pixel maps and copying: Copying.h; graphics
+ * worlds: QDOffscreen.h; pictures: Pictures.h.
  *
  * Pixel memory is big-endian on every machine: at 32 bits a pixel is the bytes x, R, G, B.
  * Coordinates are local to the current port unless said otherwise. The current port and device
@@ -38,9 +39,26 @@ TOOLBOX_EXPORT Rect* GetPortBounds(CGrafPtr port, Rect* bounds);
 /* The window of a window's port, null for an off-screen one. */
 TOOLBOX_EXPORT WindowRef GetWindowFromPort(CGrafPtr port);
 
+/* The colours that drawing uses: those of the current port. A new port's are black and white. */
+enum { whiteColor = 30, blackColor = 33 };
+/* Sets the colour by one of the names above (any other is black), or by its components. */
+TOOLBOX_EXPORT void ForeColor(SInt32 color);
+TOOLBOX_EXPORT void BackColor(SInt32 color);
+TOOLBOX_EXPORT void RGBForeColor(const RGBColor* color);
+TOOLBOX_EXPORT void RGBBackColor(const RGBColor* color);
+/* Fills the rectangle, as far as the current port's clip lets it, with the background colour. */
+TOOLBOX_EXPORT void EraseRect(const Rect* rect);
+/* The index of the nearest colour in the current device's colour table; the pixel value itself
+ * where the device has none. */
+TOOLBOX_EXPORT SInt32 Color2Index(const RGBColor* color);
+/* A number that no colour table has had for its seed in this process. */
+TOOLBOX_EXPORT SInt32 GetCTSeed(void);
+
 /* Moves a rectangle. Coordinates wrap at 16 bits, as the platform's do. */
 TOOLBOX_EXPORT void OffsetRect(Rect* rect, SInt16 dh, SInt16 dv);
 TOOLBOX_EXPORT Boolean EqualRect(const Rect* a, const Rect* b);
+/* Moves and scales `rect` as `from` would have to be to become `to`. */
+TOOLBOX_EXPORT void MapRect(Rect* rect, const Rect* from, const Rect* to);
 /* Adds the current port's origin on the screen to a local point. */
 TOOLBOX_EXPORT void LocalToGlobal(Point* point);
 
