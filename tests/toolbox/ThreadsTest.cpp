@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "toolbox/threads/Threads.h"
-
-#include "toolbox/Errors.h"
-#include "toolbox/probe/Probe.h"
+#include "tests/toolbox/ThreadsTest.h"
 
 #include <gtest/gtest.h>
 
@@ -11,70 +8,16 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <vector>
 
+using namespace test;
+
 namespace
 {
-
-using Body = std::function<void()>;
-
-void* RunBody(void* param)
-{
-    (*static_cast<Body*>(param))();
-    return param;
-}
-
-// Each test leaves no thread behind.
-class Threads : public testing::Test
-{
-protected:
-    void TearDown() override
-    {
-        while (CountLiveObjects(kLiveThreads) > 0 && YieldToAnyThread() == noErr) {
-        }
-    }
-
-    ThreadID Start(Body body, Size stackSize = 0, void** result = nullptr)
-    {
-        bodies_.push_back(std::make_unique<Body>(std::move(body)));
-        ThreadID thread = kNoThreadID;
-        EXPECT_EQ(noErr, NewThread(kCooperativeThread, NewThreadEntryUPP(RunBody),
-                                   bodies_.back().get(), stackSize, 0, result, &thread));
-        return thread;
-    }
-
-    // A thread that yields for ever and counts the releases of what its frame owns.
-    ThreadID StartOwner(int& released)
-    {
-        return Start([&released] {
-            const std::shared_ptr<void> owned(nullptr, [&released](void*) { ++released; });
-            for (;;) {
-                YieldToAnyThread();
-            }
-        });
-    }
-
-    std::vector<std::unique_ptr<Body>> bodies_;
-    std::string log_;
-};
-
-ThreadID CurrentThread()
-{
-    ThreadID thread = kNoThreadID;
-    EXPECT_EQ(noErr, GetCurrentThread(&thread));
-    return thread;
-}
-
-bool Exists(ThreadID thread)
-{
-    ThreadState state = 0;
-    return GetThreadState(thread, &state) == noErr;
-}
 
 size_t AddressSpaceInUse()
 {
@@ -307,161 +250,6 @@ TEST_F(Threads, AThreadStartedDuringUnwindingSeesNoExceptionInFlight)
     } catch (OSErr) {
     }
     EXPECT_EQ(1, inFlight); // its own disposal, not the application thread's
-}
-
-TEST_F(Threads, DisposalReleasesWhatTheFramesOwnBeforeItReturns)
-{
-    int released = 0;
-    const ThreadID owner = StartOwner(released);
-    YieldToAnyThread();
-    EXPECT_EQ(noErr, DisposeThread(owner, nullptr, false));
-    EXPECT_EQ(1, released);
-    EXPECT_EQ(0, CountLiveObjects(kLiveThreads));
-    EXPECT_FALSE(Exists(owner));
-}
-
-TEST_F(Threads, DisposalIsThrownAgainBehindEveryBarrierThatSwallowsIt)
-{
-    int released = 0;
-    int barriers = 0;
-    const ThreadID stubborn = Start([&] {
-        const std::shared_ptr<void> owned(nullptr, [&](void*) { ++released; });
-        for (int attempt = 0; attempt < 3; ++attempt) {
-            try {
-                YieldToAnyThread();
-                log_ += "yielded";
-            } catch (...) {
-                ++barriers;
-            }
-        }
-    });
-    YieldToAnyThread();
-    EXPECT_EQ(noErr, DisposeThread(stubborn, nullptr, false));
-    EXPECT_EQ(3, barriers);
-    EXPECT_EQ(1, released);
-    EXPECT_EQ("", log_);
-}
-
-TEST_F(Threads, DisposalIsNoExceptionOfTheStandardLibrary)
-{
-    const ThreadID thread = Start([&] {
-        try {
-            YieldToAnyThread();
-        } catch (const std::exception&) {
-            log_ = "standard";
-        } catch (OSErr) {
-            log_ = "code";
-        } catch (...) {
-            log_ = "other";
-            throw;
-        }
-    });
-    YieldToAnyThread();
-    DisposeThread(thread, nullptr, false);
-    EXPECT_EQ("other", log_);
-}
-
-TEST_F(Threads, AThreadThatNeverRanIsDropped)
-{
-    bool ran = false;
-    const ThreadID thread = Start([&] { ran = true; });
-    EXPECT_EQ(noErr, DisposeThread(thread, nullptr, false));
-    YieldToAnyThread();
-    EXPECT_FALSE(ran);
-    EXPECT_EQ(0, CountLiveObjects(kLiveThreads));
-}
-
-TEST_F(Threads, DisposalStoresTheResultItWasGiven)
-{
-    int value = 0;
-    void* suspendedResult = nullptr;
-    void* freshResult = nullptr;
-    const ThreadID suspended = Start(
-        [] {
-            try {
-                YieldToAnyThread();
-            } catch (...) {
-                return; // the entry then returns a result of its own
-            }
-        },
-        0, &suspendedResult);
-    YieldToAnyThread();
-    const ThreadID fresh = Start([] {}, 0, &freshResult);
-    DisposeThread(suspended, &value, false);
-    DisposeThread(fresh, &value, false);
-    EXPECT_EQ(&value, suspendedResult);
-    EXPECT_EQ(&value, freshResult);
-}
-
-TEST_F(Threads, TheCurrentThreadDisposesOfItselfAtOnce)
-{
-    for (const bool byAlias : {true, false}) {
-        log_.clear();
-        Start([this, byAlias] {
-            const std::shared_ptr<void> owned(nullptr, [this](void*) { log_ += " released"; });
-            log_ += "before";
-            DisposeThread(byAlias ? ThreadID{kCurrentThreadID} : CurrentThread(), nullptr, false);
-            log_ += " after";
-        });
-        YieldToAnyThread();
-        EXPECT_EQ("before released", log_);
-    }
-}
-
-TEST_F(Threads, TheApplicationThreadIsNotDisposedOf)
-{
-    EXPECT_EQ(threadProtocolErr, DisposeThread(kApplicationThreadID, nullptr, false));
-    EXPECT_EQ(threadProtocolErr, DisposeThread(kCurrentThreadID, nullptr, false));
-}
-
-TEST_F(Threads, OneThreadMayDisposeOfAnother)
-{
-    int released = 0;
-    OSErr err = -1;
-    ThreadID after = kNoThreadID;
-    const ThreadID owner = StartOwner(released);
-    YieldToAnyThread();
-    const ThreadID disposer = Start([&] {
-        err = DisposeThread(owner, nullptr, false);
-        after = CurrentThread();
-    });
-    YieldToAnyThread();
-    EXPECT_EQ(noErr, err);
-    EXPECT_EQ(1, released);
-    EXPECT_EQ(disposer, after);
-}
-
-TEST_F(Threads, ADestructorInADisposedThreadMayDisposeOfTheNext)
-{
-    int released = 0;
-    const ThreadID inner = StartOwner(released);
-    const ThreadID outer = Start([&] {
-        const std::shared_ptr<void> owned(nullptr,
-                                          [&](void*) { DisposeThread(inner, nullptr, false); });
-        for (;;) {
-            YieldToAnyThread();
-        }
-    });
-    YieldToAnyThread();
-    EXPECT_EQ(noErr, DisposeThread(outer, nullptr, false));
-    EXPECT_EQ(1, released);
-    EXPECT_EQ(0, CountLiveObjects(kLiveThreads));
-}
-
-TEST_F(Threads, ADisposedThreadCannotDisposeOfItsDisposer)
-{
-    ThreadID disposer = kNoThreadID;
-    OSErr err = noErr;
-    const ThreadID victim = Start([&] {
-        const std::shared_ptr<void> owned(
-            nullptr, [&](void*) { err = DisposeThread(disposer, nullptr, false); });
-        for (;;) {
-            YieldToAnyThread();
-        }
-    });
-    disposer = Start([&] { DisposeThread(victim, nullptr, false); });
-    YieldToAnyThread();
-    EXPECT_EQ(threadProtocolErr, err);
 }
 
 TEST_F(Threads, TenThousandMayLiveAtOnce)
