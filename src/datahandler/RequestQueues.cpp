@@ -52,7 +52,7 @@ void Append(CLinkedList& queue, const Record& contents)
 {
     auto record = std::make_unique<Record>(contents);
     queue.AppendItem(record.get());
-    record.release();
+    static_cast<void>(record.release());
 }
 
 void MoveCursorBehind(CLinkedList& queue, const void* item)

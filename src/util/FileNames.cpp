@@ -71,7 +71,7 @@ private:
     static void Append(StringPtr name, const char* text)
     {
         const std::size_t length = std::min(std::strlen(text), kMaxNameLength - name[0]);
-        std::memcpy(name + 1 + name[0], text, length);
+        std::copy_n(text, length, name + 1 + name[0]);
         name[0] = static_cast<UInt8>(name[0] + length);
     }
 

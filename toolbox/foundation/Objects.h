@@ -33,9 +33,7 @@ public:
     ObjectType Type() const { return type_; }
     void Retain() const { ++references_; }
     void Release() const; // the last one destroys it
-
-protected:
-    virtual ~Object();
+    virtual ~Object();    // for Release alone
 
 private:
     const ObjectType type_;
