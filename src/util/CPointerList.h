@@ -39,6 +39,8 @@ public:
     SInt32 capacity = 0; // slots there are
 
 private:
+    static constexpr SInt64 kSlotSize = sizeof(void*); // bytes; of any pointer to an object
+
     // EnsureSpace does not look at `count`, so it may exceed the slots there are.
     SInt32 UsedSlots() const { return std::min(count, capacity); }
 };
@@ -49,10 +51,10 @@ void CPointerList<T>::EnsureSpace(SInt32 n)
     const SInt64 newCapacity = SInt64{n} / 4 * 4 + 4;
     if (newCapacity == capacity)
         return;
-    constexpr SInt64 most = std::min<SInt64>(INT32_MAX, PTRDIFF_MAX / SInt64{sizeof(T)});
+    constexpr SInt64 most = std::min<SInt64>(INT32_MAX, PTRDIFF_MAX / kSlotSize);
     if (newCapacity <= 0 || newCapacity > most)
         throw OSErr{memFullErr};
-    void* block = std::realloc(items, static_cast<std::size_t>(newCapacity) * sizeof(T));
+    void* block = std::realloc(items, static_cast<std::size_t>(newCapacity * kSlotSize));
     if (!block)
         throw OSErr{memFullErr};
     items = static_cast<T*>(block);
