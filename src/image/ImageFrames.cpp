@@ -17,7 +17,7 @@ OSErr VornImagePlugin::AddNewFrame(const Rect& bounds, UInt16 depth, CTabHandle 
         return err;
     GWorldPtr mask = nullptr;
     if (maskDepth != 0) {
-        // The frame's own world is lost then: decoders rely on nothing being disposed of here.
+        // On failure the frame's own world is not disposed of: the order is kept as documented.
         if (const OSErr err =
                 MakeGWorld(&bounds, static_cast<SInt16>(maskDepth), nullptr, usesTempMem, &mask))
             return err;
