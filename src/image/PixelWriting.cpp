@@ -5,6 +5,7 @@
 #include "src/image/PixelWriting.h"
 
 #include "src/image/PackedPixels.h"
+#include "toolbox/quickdraw/QDOffscreen.h"
 
 #include <cstring>
 
