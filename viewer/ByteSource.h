@@ -43,6 +43,8 @@ public:
     virtual SInt32 Read(void* buffer, SInt32 offset, SInt32 count) = 0;
     // The last Pump asked for more than there was: the descriptor to wait on for input, else -1.
     virtual int DescriptorToWaitOn() const { return -1; }
+    // Nobody wants what is still to come. What was received stays readable.
+    virtual void StopReceiving() {}
 
     const SourceFailure& Failure() const { return failure_; }
 

@@ -4,7 +4,7 @@
 #include "toolbox/Errors.h"
 #include "viewer/BundleCall.h"
 #include "viewer/Console.h"
-#include "viewer/HostCallbacks.h"
+#include "viewer/MimeTypeGuess.h"
 
 #include <algorithm>
 #include <array>
@@ -19,19 +19,26 @@ namespace
 constexpr Size kDecodingStackSize = 512 * 1024;
 constexpr SInt32 kBytesForTypeCheck = 4096;
 constexpr AreaSize kPlaceholder = {160, 120};
-constexpr OSType kUnknownCreator = FOUR_CHARS('?', '?', '?', '?');
 constexpr double kMicrosecondsPerSecond = 1e6;
 
 } // namespace
 
 EmbeddedObject::EmbeddedObject(ObjectDescription description, std::unique_ptr<ObjectBytes> bytes)
-    : description_(std::move(description)), bytes_(std::move(bytes))
+    : description_(std::move(description)), bytes_(std::move(bytes)), plugin_(*this)
 {
 }
 
-EmbeddedObject::~EmbeddedObject()
+void EmbeddedObject::LearnType(const PluginFolder& plugins)
 {
-    assert(!IsMade());
+    if (description_.typeIsGiven) {
+        return;
+    }
+    std::array<UInt8, kBytesForTypeCheck> start{};
+    const SInt32 length = bytes_->Peek(start.data(), kBytesForTypeCheck);
+    const std::string guess = GuessMimeType(start.data(), static_cast<size_t>(length));
+    if (!guess.empty()) {
+        description_.type = plugins.TypeOf(description_.fileName, guess);
+    }
 }
 
 bool EmbeddedObject::IsAcceptedBy(const PluginBundle& bundle)
@@ -46,17 +53,12 @@ bool EmbeddedObject::IsAcceptedBy(const PluginBundle& bundle)
 
 void EmbeddedObject::Start(const PluginBundle& bundle)
 {
-    bundle_ = &bundle;
+    ++timesStarted_;
     const BundleCall call(this);
-    const OSErr error = bundle.Calls().makeNewObject(
-        bundle.Reference(), &ViewerHostCalls(), description_.type.fileType, kUnknownCreator,
-        description_.fileName.c_str(), description_.type.mimeType.c_str(), &plugin_);
-    if (error != noErr) {
+    if (const OSErr error = plugin_.Make(bundle, description_); error != noErr) {
         GiveUp(error, "its plug-in could not be started");
         return;
     }
-    RememberObject(plugin_, *this);
-    bundle.Calls().setObjectDisplayFlags(plugin_, description_.displayFlags);
     state_ = State::kDecoding;
     ThreadID thread = kNoThreadID;
     decodeError_ = NewThread(kCooperativeThread, NewThreadEntryUPP(DecodeOnThread), this,
@@ -75,25 +77,37 @@ void* EmbeddedObject::DecodeOnThread(void* object)
 void EmbeddedObject::Decode()
 {
     SetStatisticsOwner(this);
-    decodeError_ = bundle_->Calls().decodeObject(plugin_);
+    decodeError_ = plugin_.Decode();
     state_ = State::kDecoded;
 }
 
 void EmbeddedObject::GiveUp(OSErr error, const std::string& why)
 {
-    startError_ = error;
-    state_ = State::kGivenUp;
+    GiveUpSilently(error);
     Console::Tell(Name(), why + " (error " + std::to_string(error) + ")");
 }
 
 void EmbeddedObject::GiveUpUnknownType()
 {
     const std::string& type = description_.type.mimeType;
-    startError_ = paramErr;
-    state_ = State::kGivenUp;
+    if (bytes_->IsEmpty()) {
+        GiveUp(paramErr, "it is empty");
+        return;
+    }
+    GiveUpSilently(paramErr);
     Console::Tell("", "nothing here can show " + Name() + " (type " +
                           (type.empty() ? "unknown" : type) + ", error " +
                           std::to_string(startError_) + ")");
+}
+
+// Whoever sends the bytes need not go on.
+void EmbeddedObject::GiveUpSilently(OSErr error)
+{
+    startError_ = error;
+    state_ = State::kGivenUp;
+    if (bytes_ != nullptr) {
+        bytes_->StopReceiving();
+    }
 }
 
 void EmbeddedObject::Cancel()
@@ -105,23 +119,15 @@ void EmbeddedObject::Cancel()
 
 void EmbeddedObject::Free()
 {
-    if (!IsMade()) {
-        return;
-    }
     assert(state_ != State::kDecoding);
-    {
-        const BundleCall call(this);
-        bundle_->Calls().freeObject(plugin_);
-    }
-    ForgetObject(plugin_);
-    plugin_ = nullptr;
+    plugin_.Free();
 }
 
 void EmbeddedObject::WaitAgain()
 {
     bytes_->StartAnew();
     state_ = State::kWaiting;
-    bundle_ = nullptr;
+    plugin_.ForgetBundle();
     decodeError_ = noErr;
     idleError_ = noErr;
     roundsSinceDecoded_ = 0;
@@ -138,7 +144,7 @@ void EmbeddedObject::Observe()
     if (state_ == State::kDecoded) {
         ++roundsSinceDecoded_;
     }
-    if (!firstPicture_ && IsMade() && Statistics().picturesShown > 0) {
+    if (!firstPicture_ && plugin_.IsMade() && Statistics().picturesShown > 0) {
         const double now = static_cast<double>(ToolboxMicroseconds()) / kMicrosecondsPerSecond;
         firstPicture_ = FirstPicture{now, bytes_->HandedOut()};
     }
@@ -150,49 +156,50 @@ bool EmbeddedObject::IsSettled() const
     return state_ == State::kGivenUp || roundsSinceDecoded_ > 1;
 }
 
+// A stream that nobody reads would have something to read at every look.
+int EmbeddedObject::DescriptorToWaitOn() const
+{
+    const bool isRead = bytes_ != nullptr && (state_ == State::kWaiting || bytes_->IsWaitedFor());
+    return isRead ? bytes_->DescriptorToWaitOn() : -1;
+}
+
 void EmbeddedObject::Display()
 {
     needsDisplay_ = false;
     newRows_.Forget();
-    if (IsMade()) {
-        const BundleCall call(this);
-        bundle_->Calls().displayObject(plugin_, &area_, 0);
-        wasDisplayed_ = true;
-    }
+    plugin_.Display(area_);
+    wasDisplayed_ = plugin_.IsMade();
 }
 
 void EmbeddedObject::Idle()
 {
-    if (!IsMade()) {
-        return;
-    }
-    const BundleCall call(this);
-    const OSErr error = bundle_->Calls().idleObject(plugin_, &area_, 0);
+    const OSErr error = plugin_.Idle(area_);
     idleError_ = idleError_ == noErr ? error : idleError_;
 }
 
 bool EmbeddedObject::Click(const EventRecord& event)
 {
-    if (!IsMade()) {
-        return false;
-    }
-    const BundleCall call(this);
-    return bundle_->Calls().handleObjectClick(plugin_, &area_, &event) != 0;
+    return plugin_.Click(area_, event);
 }
 
+// A controller bar is never scaled: on a page that is too narrow its end is cut off.
 AreaSize EmbeddedObject::WantedArea(SInt16 pageWidth) const
 {
-    return hasDimensions_ ? AreaForPicture(natural_, description_.displayFlags, pageWidth)
-                          : kPlaceholder;
+    if (!hasDimensions_) {
+        return kPlaceholder;
+    }
+    return IsSoundOnly() ? natural_
+                         : AreaForPicture(natural_, description_.displayFlags, pageWidth);
+}
+
+bool EmbeddedObject::IsSoundOnly() const
+{
+    return natural_.height <= kControllerRows && plugin_.Bundle()->PlaysMovies();
 }
 
 Rect EmbeddedObject::DrawnRect() const
 {
-    Rect drawn = area_;
-    if (IsMade()) {
-        bundle_->Calls().getObjectDisplayRect(plugin_, &area_, &drawn);
-    }
-    return drawn;
+    return plugin_.DrawnRect(area_);
 }
 
 bool EmbeddedObject::TakeSizeChange()
@@ -246,27 +253,18 @@ OSErr EmbeddedObject::Error() const
     return IsSettled() && !hasDimensions_ ? OSErr{noMovieFound} : OSErr{noErr};
 }
 
-std::string EmbeddedObject::Comment() const
-{
-    std::array<char, 257> comment{};
-    if (IsMade()) {
-        bundle_->Calls().getObjectComment(plugin_, comment.data(), comment.size() - 1);
-    }
-    return comment.data();
-}
-
 ObjectReport EmbeddedObject::Report()
 {
     const MovieStatistics statistics = Statistics();
     ObjectReport report;
     report.name = description_.name;
     report.type = description_.type.mimeType;
-    report.plugin = bundle_ == nullptr ? "" : bundle_->Name();
+    report.plugin = Bundle() == nullptr ? "" : Bundle()->Name();
     report.bytes = bytes_ == nullptr ? 0 : bytes_->HandedOut();
     report.complete = bytes_ != nullptr && bytes_->IsComplete();
     report.error = Error();
     report.rect = hasDimensions_ ? area_ : Rect{};
-    report.comment = Comment();
+    report.comment = plugin_.Comment();
     report.firstPicture = firstPicture_;
     report.picturesShown = statistics.picturesShown;
     report.picturesDropped = statistics.picturesDropped;
@@ -284,6 +282,8 @@ void EmbeddedObject::TellOutcome()
     }
     if (error == noErr) {
         Console::Tell(Name(), "the end came before there was anything to show");
+    } else if (error == noMovieFound && bytes_->IsEmpty()) {
+        Console::Tell(Name(), "it is empty (error " + std::to_string(error) + ")");
     } else if (bytes_->Failure().error == error) {
         Console::Tell(Name(), bytes_->Failure().text + " (error " + std::to_string(error) + ")");
     } else {

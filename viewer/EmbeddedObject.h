@@ -8,7 +8,7 @@
 #include "viewer/Layout.h"
 #include "viewer/NewRows.h"
 #include "viewer/ObjectBytes.h"
-#include "viewer/PluginFolder.h"
+#include "viewer/PluginObject.h"
 #include "viewer/Report.h"
 
 #include <memory>
@@ -18,21 +18,11 @@
 namespace viewer
 {
 
-// How an object was named and what its page wants of it.
-struct ObjectDescription {
-    std::string name;     // for the user
-    std::string fileName; // for the plug-in
-    ObjectType type;
-    UInt32 displayFlags = 0;
-};
-
 class EmbeddedObject
 {
 public:
     // `bytes` is null for an object whose source could not be opened: give it up.
     EmbeddedObject(ObjectDescription description, std::unique_ptr<ObjectBytes> bytes);
-    // The plug-in object must have been freed.
-    ~EmbeddedObject();
     EmbeddedObject(const EmbeddedObject&) = delete;
     EmbeddedObject& operator=(const EmbeddedObject&) = delete;
 
@@ -40,10 +30,14 @@ public:
 
     enum class State { kWaiting, kDecoding, kDecoded, kGivenUp };
     State CurrentState() const { return state_; }
+    // Takes the type that its first bytes tell of, unless the user gave one or they tell of none.
+    void LearnType(const PluginFolder& plugins);
     // Asks a bundle whether it can show the object, by its first bytes.
     bool IsAcceptedBy(const PluginBundle& bundle);
     // Makes the plug-in object and a thread that decodes it.
     void Start(const PluginBundle& bundle);
+    // How often it was made: anew after a stall.
+    int TimesStarted() const { return timesStarted_; }
     // Tells the user why the object cannot be shown.
     void GiveUp(OSErr error, const std::string& why);
     // The same for one that no bundle accepts.
@@ -58,6 +52,8 @@ public:
     void Observe();
     // Decoding has ended and a round of yields and an Idle have passed since, or it never will.
     bool IsSettled() const;
+    // The descriptor of its stream while somebody waits for what comes there, else -1.
+    int DescriptorToWaitOn() const;
 
     // Drawing, on the application thread with the port and clip set ------------------------
 
@@ -75,6 +71,8 @@ public:
     bool NeedsDisplay() const { return needsDisplay_ && hasDimensions_; }
     void NeedDisplay() { needsDisplay_ = true; }
     bool WasDisplayed() const { return wasDisplayed_; }
+    // It has not been displayed yet, but that may come.
+    bool MayAppear() const { return !wasDisplayed_ && !IsSettled(); }
     // Whether it reported a size since the last call.
     bool TakeSizeChange();
     // The new rows since the last call as a part of DrawnRect, if there are any.
@@ -90,7 +88,7 @@ public:
     // For the page -------------------------------------------------------------------------
 
     const std::string& Name() const { return description_.name; }
-    const PluginBundle* Bundle() const { return bundle_; }
+    const PluginBundle* Bundle() const { return plugin_.Bundle(); }
     bool HasBytes() const { return bytes_ != nullptr; }
     // Of its movies.
     MovieStatistics Statistics();
@@ -102,15 +100,15 @@ public:
 private:
     static void* DecodeOnThread(void* object);
     void Decode();
-    bool IsMade() const { return plugin_ != nullptr; }
+    void GiveUpSilently(OSErr error);
     OSErr Error() const;
-    std::string Comment() const;
+    bool IsSoundOnly() const;
 
     ObjectDescription description_;
     std::unique_ptr<ObjectBytes> bytes_;
     State state_ = State::kWaiting;
-    const PluginBundle* bundle_ = nullptr;
-    VornPlugin* plugin_ = nullptr;
+    PluginObject plugin_;
+    int timesStarted_ = 0;
 
     OSErr startError_ = noErr;
     OSErr decodeError_ = noErr;

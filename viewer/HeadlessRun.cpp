@@ -57,8 +57,10 @@ PageReport HeadlessRun::Run()
 {
     page_.DrawChanges();
     while (true) {
-        user_->SendDue(clock_.Now());
         FinishInstant();
+        while (user_->SendDue(clock_.Now())) {
+            FinishInstant(); // what the user does has its effect at once
+        }
         snapshots_.TakeDue(page_.Port(), clock_.Now());
         if (IsOver()) {
             break;
@@ -68,6 +70,7 @@ PageReport HeadlessRun::Run()
     }
     snapshots_.TakeLast(page_.Port());
     PageReport report = MakeReport();
+    TellOutcome();
     EndObjects();
     MeasureProcess(report);
     return report;
@@ -192,8 +195,7 @@ void HeadlessRun::WaitForStreams(SInt64 until)
 {
     std::vector<pollfd> streams;
     for (const auto& object : page_.Objects()) {
-        const int stream = object->HasBytes() ? object->Bytes().DescriptorToWaitOn() : -1;
-        if (stream >= 0) {
+        if (const int stream = object->DescriptorToWaitOn(); stream >= 0) {
             streams.push_back({stream, POLLIN, 0});
         }
     }
@@ -207,9 +209,8 @@ void HeadlessRun::WaitForStreams(SInt64 until)
 bool HeadlessRun::WaitsForStream() const
 {
     const auto& objects = page_.Objects();
-    return std::any_of(objects.begin(), objects.end(), [](const auto& each) {
-        return each->HasBytes() && each->Bytes().DescriptorToWaitOn() >= 0;
-    });
+    return std::any_of(objects.begin(), objects.end(),
+                       [](const auto& each) { return each->DescriptorToWaitOn() >= 0; });
 }
 
 void HeadlessRun::LetTimePass()
@@ -243,10 +244,27 @@ PageReport HeadlessRun::MakeReport()
     PageReport report;
     for (const auto& object : page_.Objects()) {
         report.objects.push_back(object->Report());
-        object->TellOutcome();
     }
     report.seconds = static_cast<double>(clock_.Now()) / kMicrosecondsPerSecond;
     return report;
+}
+
+void HeadlessRun::TellOutcome()
+{
+    for (const auto& object : page_.Objects()) {
+        object->TellOutcome();
+    }
+    if (const Page::Below below = page_.LookBelow(); below.objects > 0) {
+        Console::Tell("", std::to_string(below.objects) +
+                              (below.objects == 1 ? " object lies" : " objects lie") +
+                              " below the page; --size " + std::to_string(page_.Width()) + "x" +
+                              std::to_string(below.bottom) + " shows more");
+    }
+    if (const size_t left = user_->CountLeft(); left > 0) {
+        Console::Tell("", "the end came before " + std::to_string(left) +
+                              (left == 1 ? " click or key" : " clicks and keys") +
+                              " could be delivered");
+    }
 }
 
 // An object that still waits for bytes is told that there are no more.

@@ -59,6 +59,7 @@ private:
 
     void ShowProgress();
     PageReport MakeReport();
+    void TellOutcome();
     void EndObjects();
 
     const Options& options_;

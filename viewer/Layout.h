@@ -18,6 +18,12 @@ struct AreaSize {
 // The space between neighbours in a row, and between rows, in pixels.
 inline constexpr SInt16 kObjectGap = 8;
 
+// What a movie's size holds for its controller: a bar and a spare row below it. A sound has nothing
+// else.
+inline constexpr SInt16 kControllerBarHeight = 16;
+inline constexpr SInt16 kControllerSpareRows = 1;
+inline constexpr SInt16 kControllerRows = kControllerBarHeight + kControllerSpareRows;
+
 // Puts areas in rows from left to right, each row as high as its highest area, starting a new row
 // where the page's width is used up. What would lie beyond the last coordinate is cut off there.
 std::vector<Rect> LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth);

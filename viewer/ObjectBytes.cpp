@@ -9,6 +9,23 @@
 
 namespace viewer
 {
+namespace
+{
+
+// Counts while it exists, also if the thread is unwound out of a yield.
+class Counted
+{
+public:
+    explicit Counted(int& count) : count_(count) { ++count_; }
+    ~Counted() { --count_; }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+
+private:
+    int& count_;
+};
+
+} // namespace
 
 ObjectBytes::ObjectBytes(std::unique_ptr<ByteSource> source, ArrivalPace pace, HostTime& time)
     : source_(std::move(source)), pace_(pace), time_(time)
@@ -36,6 +53,7 @@ OSErr ObjectBytes::GetData(void* buffer, SInt32 offset, SInt32* count, SInt32* d
 
 void ObjectBytes::WaitFor(SInt64 enough, SInt64 end)
 {
+    const Counted waiting(waiting_);
     while (!HasUpTo(enough, end) && !IsAtEnd()) {
         if (BundleCall::IsApplicationInside()) {
             time_.LetTimePass();
@@ -75,6 +93,11 @@ bool ObjectBytes::IsComplete() const
 {
     return source_->IsComplete() && source_->Failure().error == noErr &&
            handedOut_ == source_->Received();
+}
+
+bool ObjectBytes::IsEmpty() const
+{
+    return source_->IsComplete() && source_->Received() == 0 && source_->Failure().error == noErr;
 }
 
 SInt32 ObjectBytes::EstimatedBytes() const

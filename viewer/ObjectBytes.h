@@ -39,6 +39,12 @@ public:
     // Bytes arrive with the clock, not as fast as they are taken.
     bool IsPaced() const { return pace_.IsLimited(); }
     int DescriptorToWaitOn() const { return source_->DescriptorToWaitOn(); }
+    // Somebody is inside GetData and waits for bytes.
+    bool IsWaitedFor() const { return waiting_ > 0; }
+    // The source ended without having had a byte.
+    bool IsEmpty() const;
+    // Nobody will ask for what has not arrived.
+    void StopReceiving() { source_->StopReceiving(); }
     const SourceFailure& Failure() const { return source_->Failure(); }
     // Copies from the start without counting, for a look at the type. Answers how many.
     SInt32 Peek(void* buffer, SInt32 count);
@@ -59,6 +65,7 @@ private:
     ArrivalPace pace_;
     HostTime& time_;
     SInt32 handedOut_ = 0;
+    int waiting_ = 0;
     bool cancelled_ = false;
 };
 

@@ -18,7 +18,7 @@ constexpr SInt32 kReadAhead = 1 << 20;
 
 } // namespace
 
-ObjectStarter::ObjectStarter(const Page& page, const PluginFolder& plugins)
+ObjectStarter::ObjectStarter(const Page& page, const PluginFolder& plugins) : plugins_(plugins)
 {
     for (const auto& bundle : plugins.Bundles()) {
         gates_.push_back({bundle.get(), {}, nullptr, false});
@@ -108,6 +108,7 @@ bool ObjectStarter::TryToStart(Waiting& waiting)
     if (!HasBytesToStartWith(waiting) || (!HasNewBytes(waiting) && IsAnyWorthStarting())) {
         return false;
     }
+    waiting.object->LearnType(plugins_);
     bool allDeclined = true;
     for (size_t i = 0; i < gates_.size(); ++i) {
         if (!waiting.declined[i] && gates_[i].opening != nullptr) {

@@ -53,6 +53,7 @@ private:
     static bool HasBytesToStartWith(const Waiting& waiting);
     static bool HasNewBytes(const Waiting& waiting);
 
+    const PluginFolder& plugins_;
     std::vector<Gate> gates_;
     std::list<Waiting> waiting_;
     SInt32 steps_ = 0;

@@ -3,6 +3,7 @@
 
 #include "toolbox/events/Events.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <utility>
@@ -90,6 +91,14 @@ UInt32 ReadFlags(const std::string& option, const std::string& text)
         Refuse(option, text, "a number of display flags, such as 31 or 0x1F");
     }
     return flags;
+}
+
+std::string ReadMimeType(std::string_view text)
+{
+    constexpr std::string_view kBlanks = " \t";
+    text = text.substr(0, text.find(';'));
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return std::string(text.substr(0, text.find_last_not_of(kBlanks) + 1));
 }
 
 SInt64 ReadSeconds(const std::string& option, const std::string& text)

@@ -10,11 +10,13 @@
 namespace viewer
 {
 
-// Each throws UsageError with a text that starts with `option`.
+// Each that takes `option` throws UsageError with a text that starts with `option`.
 SInt64 ReadWholeNumber(const std::string& option, const std::string& text, SInt64 least,
                        SInt64 most);
 // Decimal, or hexadecimal after 0x.
 UInt32 ReadFlags(const std::string& option, const std::string& text);
+// TYPE/SUBTYPE, without the parameters that may follow.
+std::string ReadMimeType(std::string_view text);
 // Seconds with a fraction, as microseconds.
 SInt64 ReadSeconds(const std::string& option, const std::string& text);
 // WIDTHxHEIGHT

@@ -18,7 +18,8 @@ constexpr SInt64 kMostBytesPerSecond = 1'000'000'000'000;
 
 enum OptionCode : int {
     kObject = 1, // getopt's code for what is no option
-    kHelp = 256,
+    kHelp = 'h',
+    kVersion = 256,
     kHeadless,
     kSize,
     kType,
@@ -38,6 +39,7 @@ enum OptionCode : int {
 
 const option kOptions[] = {
     {"help", no_argument, nullptr, kHelp},
+    {"version", no_argument, nullptr, kVersion},
     {"headless", no_argument, nullptr, kHeadless},
     {"size", required_argument, nullptr, kSize},
     {"type", required_argument, nullptr, kType},
@@ -81,7 +83,7 @@ Options Parser::Parse(int argc, char* const* argv)
     optind = 0; // start anew, also after an earlier command line
     opterr = 0;
     int code = 0;
-    while ((code = getopt_long(argc, argv, "-:", kOptions, nullptr)) != -1) {
+    while ((code = getopt_long(argc, argv, "-:h", kOptions, nullptr)) != -1) {
         if (code == '?') {
             throw UsageError(std::string("unknown or ambiguous option '") + argv[optind - 1] + "'");
         }
@@ -106,6 +108,9 @@ void Parser::TakeOption(int code, const std::string& value)
     case kHelp:
         options_.help = true;
         break;
+    case kVersion:
+        options_.version = true;
+        break;
     case kListPlugins:
         options_.listPlugins = true;
         break;
@@ -116,7 +121,7 @@ void Parser::TakeOption(int code, const std::string& value)
         options_.play = true;
         break;
     case kType:
-        mimeType_ = value;
+        mimeType_ = ReadMimeType(value);
         break;
     case kFlags:
         displayFlags_ = ReadFlags("--flags", value);
@@ -191,7 +196,7 @@ void Parser::TakeObject(const std::string& location)
 
 void Parser::CheckTogether() const
 {
-    if (options_.help || options_.listPlugins) {
+    if (options_.help || options_.version || options_.listPlugins) {
         return;
     }
     if (snapshotTime_) {
@@ -199,9 +204,6 @@ void Parser::CheckTogether() const
     }
     if (options_.objects.empty()) {
         throw UsageError("no object is named");
-    }
-    if (!options_.headless) {
-        throw UsageError("this build has no window: --headless is needed");
     }
     for (const SnapshotRequest& snapshot : options_.snapshots) {
         if (options_.until && snapshot.at && *snapshot.at > *options_.until) {
@@ -219,12 +221,14 @@ Options ParseOptions(int argc, char* const* argv)
 
 const char* HelpText()
 {
-    return R"(Usage: vornview --headless [OPTION...] OBJECT...
+    return R"(Usage: vornview [OPTION...] OBJECT...
 Shows a page of embedded objects. An OBJECT is a file, or - for standard input.
+This build has no window: every page is run as with --headless.
 
   --headless            no window; the page is drawn in memory on a virtual clock
   --size WxH            the page's size (800x600)
-  --type MIME           type of the objects that follow (else by the name's extension)
+  --type MIME           type of the objects that follow
+                        (else by their first bytes or the name's extension)
   --flags N             display flags of the objects that follow (0x1F)
   --arrive BYTES        bytes per second at which each object's bytes arrive
                         (else as fast as they come)
@@ -235,13 +239,15 @@ Shows a page of embedded objects. An OBJECT is a file, or - for standard input.
   --wav FILE.wav        the page's sound
   --until SECONDS       end the page's clock there; else when all is loaded and
                         every playing movie has ended
-  --click X,Y@SECONDS   a click on the page; may be repeated
+  --click X,Y@SECONDS   a click on the page, at that time or as soon as there is an
+                        object to take it; may be repeated
   --key NAME@SECONDS    a key: space, left, right, up, down or one character;
                         may be repeated
-  --report FILE.json    what happened
+  --report FILE.json    what happened (a file: plug-ins write to standard output)
   --plugins DIR         where the plug-in bundles are
   --list-plugins        what the plug-in bundles accept
-  --help                this text
+  --version             the viewer's version
+  -h, --help            this text
 
 Exit status: 0 every object showed or played something, 1 one did not, 2 usage.
 )";

@@ -16,7 +16,7 @@ namespace viewer
 // An object to embed in the page, as it was named.
 struct ObjectRequest {
     std::string location; // a path, or "-" for standard input
-    std::string mimeType; // empty: by the name's extension
+    std::string mimeType; // empty: by the first bytes or the name's extension
     UInt32 displayFlags = 0;
 };
 
@@ -36,6 +36,7 @@ struct SnapshotRequest {
 
 struct Options {
     bool help = false;
+    bool version = false;
     bool listPlugins = false;
     bool headless = false;
     bool play = false;

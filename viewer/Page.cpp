@@ -140,6 +140,21 @@ void Page::Display(EmbeddedObject& object, const Rect& clip)
     object.Display();
 }
 
+Page::Below Page::LookBelow() const
+{
+    Rect bounds{};
+    GetPortBounds(port_, &bounds);
+    Below below;
+    for (const auto& object : objects_) {
+        const Rect& area = object->Area();
+        if (object->HasDimensions() && area.top >= bounds.bottom) {
+            ++below.objects;
+            below.bottom = std::max(below.bottom, area.bottom);
+        }
+    }
+    return below;
+}
+
 EmbeddedObject* Page::ObjectAt(Point place) const
 {
     for (const auto& object : objects_) {

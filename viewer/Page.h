@@ -33,6 +33,13 @@ public:
     void DrawChanges();
     // Notes what came of the round.
     void ObserveObjects();
+    // How many objects with a size lie below the page's end, and where the lowest of them ends.
+    struct Below {
+        int objects = 0;
+        SInt16 bottom = 0;
+    };
+    Below LookBelow() const;
+    SInt16 Width() const { return width_; }
     // The object at a place of the page, null for none.
     EmbeddedObject* ObjectAt(Point place) const;
     // Offers an event to an object; true if it took it.

@@ -2,6 +2,7 @@
 #include "viewer/PipeSource.h"
 
 #include "viewer/ReadFully.h"
+#include "viewer/TemporaryPlace.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -13,10 +14,17 @@ namespace viewer
 namespace
 {
 
+// Nothing is wrong with the stream if there is no place for it.
+[[noreturn]] void ThrowNoPlace(int number)
+{
+    SourceFailure failure = FailureFromErrno(number);
+    failure.text = "a stream cannot be kept in '" + TemporaryPlace() + "': " + failure.text;
+    throw failure;
+}
+
 FileDescriptor MakeNamelessFile()
 {
-    const char* folder = std::getenv("TMPDIR");
-    std::string path = folder != nullptr && *folder != '\0' ? folder : "/tmp";
+    std::string path = TemporaryPlace();
     const int nameless = open(path.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     if (nameless >= 0) {
         return FileDescriptor(nameless);
@@ -24,7 +32,7 @@ FileDescriptor MakeNamelessFile()
     path += "/vornview-XXXXXX"; // not every file system has files without a name
     FileDescriptor named(mkostemp(path.data(), O_CLOEXEC));
     if (!named.IsOpen()) {
-        throw FailureFromErrno(errno);
+        ThrowNoPlace(errno);
     }
     unlink(path.c_str());
     return named;
@@ -37,7 +45,7 @@ PipeSource::PipeSource(FileDescriptor pipe) : pipe_(std::move(pipe)), kept_(Make
 void PipeSource::Pump(SInt32 end)
 {
     isBehind_ = false;
-    while (!complete_ && received_ < end) {
+    while (pipe_.IsOpen() && !complete_ && received_ < end) {
         switch (LookForInput()) {
         case Input::kNone:
             isBehind_ = true;
@@ -98,6 +106,12 @@ void PipeSource::End(SourceFailure failure)
 {
     Fail(std::move(failure));
     complete_ = true;
+}
+
+void PipeSource::StopReceiving()
+{
+    pipe_ = FileDescriptor();
+    isBehind_ = false;
 }
 
 SInt32 PipeSource::Read(void* buffer, SInt32 offset, SInt32 count)

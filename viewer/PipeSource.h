@@ -25,6 +25,8 @@ public:
     SInt32 EstimatedBytes() const override { return complete_ ? received_ : -1; }
     SInt32 Read(void* buffer, SInt32 offset, SInt32 count) override;
     int DescriptorToWaitOn() const override { return isBehind_ ? pipe_.Get() : -1; }
+    // Closes the pipe, so that its writer knows.
+    void StopReceiving() override;
 
 private:
     enum class Input { kNone, kBytes, kEnd };

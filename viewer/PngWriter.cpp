@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/PngWriter.h"
 
+#include "viewer/OutputFile.h"
+
+#include <cerrno>
 #include <png.h>
 #include <stdexcept>
 #include <vector>
@@ -44,10 +47,16 @@ void WritePng(CGrafPtr port, const std::string& path)
     image.width = static_cast<png_uint_32>(width);
     image.height = static_cast<png_uint_32>(height);
     image.format = PNG_FORMAT_RGB;
-    if (png_image_write_to_file(&image, path.c_str(), 0, rgb.data(), 0, nullptr) == 0) {
+    OutputFile file(path, "the snapshot");
+    errno = 0;
+    if (png_image_write_to_stdio(&image, file.Stream(), 0, rgb.data(), 0, nullptr) == 0) {
+        if (errno != 0) {
+            file.Fail();
+        }
         throw std::runtime_error("the snapshot could not be written: " +
                                  std::string(image.message));
     }
+    file.Commit();
 }
 
 } // namespace viewer

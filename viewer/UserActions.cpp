@@ -2,6 +2,7 @@
 #include "viewer/UserActions.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace viewer
 {
@@ -11,10 +12,7 @@ namespace
 // How long a user holds the button down.
 constexpr SInt64 kClickDuration = 50'000;
 
-// The controller of a movie: a bar of 16 pixels with a spare row below it, and from the left a
-// volume button and the play button of 16 pixels each.
-constexpr SInt16 kBarHeight = 16;
-constexpr SInt16 kSpareRows = 1;
+// From the left the bar has a volume button and the play button.
 constexpr SInt16 kButtonWidth = 16;
 
 EventRecord MakeEvent(UInt16 what, UInt32 message, Point where, bool buttonIsUp)
@@ -32,7 +30,7 @@ EventRecord MakeEvent(UInt16 what, UInt32 message, Point where, bool buttonIsUp)
 
 Point PlayButtonOf(const Rect& drawn)
 {
-    return {static_cast<SInt16>(drawn.bottom - kSpareRows - kBarHeight / 2),
+    return {static_cast<SInt16>(drawn.bottom - kControllerSpareRows - kControllerBarHeight / 2),
             static_cast<SInt16>(drawn.left + kButtonWidth + kButtonWidth / 2)};
 }
 
@@ -46,13 +44,29 @@ UserActions::UserActions(Page& page, std::vector<UserEvent> events, bool playMov
     }
 }
 
-void UserActions::SendDue(SInt64 now)
+bool UserActions::SendDue(SInt64 now)
 {
-    while (next_ < events_.size() && events_[next_].at <= now) {
+    const auto isDue = [&] { return next_ < events_.size() && events_[next_].at <= now; };
+    bool any = false;
+    while (isDue() && IsPossible(events_[next_])) {
         SendReleases(events_[next_].at);
-        Send(events_[next_++]);
+        Send(events_[next_++], now);
+        any = true;
     }
-    SendReleases(now);
+    nextWaits_ = isDue();
+    return SendReleases(now) || any;
+}
+
+// A place without an object may get one as long as the layout is not final.
+bool UserActions::IsPossible(const UserEvent& event) const
+{
+    if (event.kind == UserEvent::Kind::kKey) {
+        return focus_ == nullptr || !focus_->MayAppear();
+    }
+    const EmbeddedObject* const object = page_.ObjectAt(event.where);
+    return (object != nullptr && object->WasDisplayed()) ||
+           std::none_of(page_.Objects().begin(), page_.Objects().end(),
+                        [](const auto& each) { return each->MayAppear(); });
 }
 
 bool UserActions::PlayNewMovies()
@@ -60,7 +74,8 @@ bool UserActions::PlayNewMovies()
     bool any = false;
     for (const auto& object : page_.Objects()) {
         if (playMovies_ && object->WasDisplayed() && object->Bundle()->PlaysMovies() &&
-            played_.insert(object.get()).second) {
+            std::exchange(played_[object.get()], object->TimesStarted()) !=
+                object->TimesStarted()) {
             const Point where = PlayButtonOf(object->DrawnRect());
             page_.Click(*object, MakeEvent(mouseDown, 0, where, false));
             page_.Click(*object, MakeEvent(mouseUp, 0, where, true));
@@ -73,7 +88,7 @@ bool UserActions::PlayNewMovies()
 std::optional<SInt64> UserActions::NextTime() const
 {
     std::optional<SInt64> next;
-    if (next_ < events_.size()) {
+    if (next_ < events_.size() && !nextWaits_) {
         next = events_[next_].at;
     }
     if (!releases_.empty()) {
@@ -82,33 +97,38 @@ std::optional<SInt64> UserActions::NextTime() const
     return next;
 }
 
-void UserActions::Send(const UserEvent& event)
+void UserActions::Send(const UserEvent& event, SInt64 now)
 {
     if (event.kind == UserEvent::Kind::kClick) {
-        Press(event);
+        Press(event, now);
     } else {
         PressKey(event);
     }
 }
 
-void UserActions::SendReleases(SInt64 now)
+bool UserActions::SendReleases(SInt64 now)
 {
+    bool any = false;
     while (!releases_.empty() && releases_.front().at <= now) {
         const Release release = releases_.front();
         releases_.erase(releases_.begin());
         page_.Click(*release.object, MakeEvent(mouseUp, 0, release.where, true));
+        any = true;
     }
+    return any;
 }
 
-void UserActions::Press(const UserEvent& event)
+// There is one button: it is let go before it is pressed again.
+void UserActions::Press(const UserEvent& event, SInt64 now)
 {
+    SendReleases(INT64_MAX);
     EmbeddedObject* const object = page_.ObjectAt(event.where);
     if (object == nullptr) {
         return;
     }
     focus_ = object;
     page_.Click(*object, MakeEvent(mouseDown, 0, event.where, false));
-    releases_.push_back({event.at + kClickDuration, object, event.where});
+    releases_.push_back({now + kClickDuration, object, event.where});
 }
 
 void UserActions::PressKey(const UserEvent& event)

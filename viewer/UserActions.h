@@ -6,8 +6,8 @@
 #include "viewer/Options.h"
 #include "viewer/Page.h"
 
+#include <map>
 #include <optional>
-#include <set>
 #include <vector>
 
 namespace viewer
@@ -19,12 +19,15 @@ public:
     // `playMovies`: clicks the play button of each movie as soon as its controller is there.
     UserActions(Page& page, std::vector<UserEvent> events, bool playMovies);
 
-    // Does what is due by the page's clock.
-    void SendDue(SInt64 now);
+    // Does what is due by the page's clock. What finds no object waits as long as one may still
+    // appear, and what comes behind it waits too. Answers whether anything was done.
+    bool SendDue(SInt64 now);
     // Clicks the play buttons that have appeared. Answers whether there were any.
     bool PlayNewMovies();
-    // When something is due next.
+    // When something is due next; what waits for an object has no time.
     std::optional<SInt64> NextTime() const;
+    // What was not done.
+    size_t CountLeft() const { return events_.size() - next_; }
 
 private:
     struct Release {
@@ -32,18 +35,20 @@ private:
         EmbeddedObject* object;
         Point where;
     };
-    void Send(const UserEvent& event);
-    void SendReleases(SInt64 now);
-    void Press(const UserEvent& event);
+    bool IsPossible(const UserEvent& event) const;
+    void Send(const UserEvent& event, SInt64 now);
+    bool SendReleases(SInt64 now);
+    void Press(const UserEvent& event, SInt64 now);
     void PressKey(const UserEvent& event);
 
     Page& page_;
     std::vector<UserEvent> events_; // in the order of their times
     size_t next_ = 0;
+    bool nextWaits_ = false;
     std::vector<Release> releases_; // buttons that are held down, in order
     bool playMovies_;
-    std::set<const EmbeddedObject*> played_;
-    EmbeddedObject* focus_ = nullptr; // takes the keys
+    std::map<const EmbeddedObject*, int> played_; // how often each had been made by then
+    EmbeddedObject* focus_ = nullptr;             // takes the keys
 };
 
 // The middle of the play button of a movie that is drawn in that rectangle.

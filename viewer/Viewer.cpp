@@ -3,10 +3,12 @@
 
 #include "viewer/Console.h"
 #include "viewer/HeadlessRun.h"
+#include "viewer/OutputCheck.h"
+#include "viewer/OutputFile.h"
 #include "viewer/SoundFile.h"
+#include "viewer/TemporaryPlace.h"
 
 #include <cstdio>
-#include <fstream>
 
 namespace viewer
 {
@@ -19,11 +21,26 @@ constexpr int kUsage = 2;
 
 void WriteReportFile(const PageReport& report, const std::string& path)
 {
-    std::ofstream file(path, std::ios::binary);
-    file << WriteReport(report);
-    file.close();
-    if (!file) {
-        throw std::runtime_error(path + ": the report could not be written");
+    try {
+        const std::string text = WriteReport(report);
+        OutputFile file(path, "the report");
+        file.Write(text.data(), text.size());
+        file.Commit();
+    } catch (const std::runtime_error& problem) {
+        throw std::runtime_error(path + ": " + problem.what());
+    }
+}
+
+// One output that cannot be written does not cost the others.
+template <typename Action>
+bool SucceedsOrTells(Action action)
+{
+    try {
+        action();
+        return true;
+    } catch (const std::exception& problem) {
+        Console::Tell("", problem.what());
+        return false;
     }
 }
 
@@ -35,23 +52,38 @@ int ShowPage(const Options& options, const PluginFolder& plugins)
     }
     HeadlessRun run(options, plugins);
     const PageReport report = run.Run();
+    bool written = !run.SnapshotFailed();
     if (sound != nullptr) {
-        sound->Finish();
+        written = SucceedsOrTells([&] { sound->Finish(); }) && written;
     }
     if (!options.reportPath.empty()) {
-        WriteReportFile(report, options.reportPath);
+        written = SucceedsOrTells([&] { WriteReportFile(report, options.reportPath); }) && written;
     }
-    return run.SnapshotFailed() ? kNotShown : ExitStatusOf(report);
+    return written ? ExitStatusOf(report) : kNotShown;
+}
+
+// A page without an output would run unseen.
+void TellThereIsNoWindow(const Options& options)
+{
+    const bool isSeen =
+        !options.snapshots.empty() || !options.wavPath.empty() || !options.reportPath.empty();
+    Console::Tell("", std::string("this build has no window: the page runs without one") +
+                          (isSeen ? "" : "; --snapshot, --wav and --report show what comes of it"));
 }
 
 int Run(const Options& options)
 {
+    RefuseOutputsThatAreObjects(options);
     const std::string folder =
         options.pluginsFolder.empty() ? DefaultPluginsFolder() : options.pluginsFolder;
     const PluginFolder plugins(folder);
     if (options.listPlugins) {
         std::fputs(DescribePlugins(plugins).c_str(), stdout);
         return kSuccess;
+    }
+    RequireTemporaryPlace();
+    if (!options.headless) {
+        TellThereIsNoWindow(options);
     }
     return ShowPage(options, plugins);
 }
@@ -64,6 +96,10 @@ int RunViewer(int argc, char* const* argv)
         const Options options = ParseOptions(argc, argv);
         if (options.help) {
             std::fputs(HelpText(), stdout);
+            return kSuccess;
+        }
+        if (options.version) {
+            std::puts("vornview " VORN_VERSION);
             return kSuccess;
         }
         return Run(options);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/WavWriter.h"
 
-#include <cerrno>
-#include <cstring>
 #include <stdexcept>
 
 namespace viewer
@@ -14,12 +12,6 @@ constexpr SInt32 kBytesPerSample = 2;
 constexpr SInt32 kBitsPerSample = 16;
 constexpr SInt64 kHeaderBytesAfterSize = 36; // of 44, what the first size field counts
 constexpr SInt64 kMostDataBytes = 0xFFFFFFFF - kHeaderBytesAfterSize;
-
-[[noreturn]] void ThrowErrno()
-{
-    throw std::runtime_error(std::string("the sound could not be written: ") +
-                             std::strerror(errno));
-}
 
 // A WAV file is little-endian.
 void Append(std::vector<UInt8>& bytes, UInt32 value, int width)
@@ -37,21 +29,18 @@ void Append(std::vector<UInt8>& bytes, const char* text)
 } // namespace
 
 WavWriter::WavWriter(const std::string& path, SInt32 sampleRate, SInt32 channels)
-    : file_(std::fopen(path.c_str(), "wbe")), sampleRate_(sampleRate), channels_(channels)
+    : file_(path, "the sound"), sampleRate_(sampleRate), channels_(channels)
 {
-    if (file_ == nullptr) {
-        ThrowErrno();
-    }
-    WriteHeader();
+    WriteHeader(file_.CanRewind() ? 0 : kMostDataBytes);
 }
 
-void WavWriter::WriteHeader()
+void WavWriter::WriteHeader(SInt64 dataBytes)
 {
     const auto rate = static_cast<UInt32>(sampleRate_);
     const auto frameBytes = static_cast<UInt32>(channels_ * kBytesPerSample);
     std::vector<UInt8> header;
     Append(header, "RIFF");
-    Append(header, static_cast<UInt32>(dataBytes_ + kHeaderBytesAfterSize), 4);
+    Append(header, static_cast<UInt32>(dataBytes + kHeaderBytesAfterSize), 4);
     Append(header, "WAVE");
     Append(header, "fmt ");
     Append(header, 16, 4); // size of this part
@@ -62,8 +51,8 @@ void WavWriter::WriteHeader()
     Append(header, frameBytes, 2);
     Append(header, kBitsPerSample, 2);
     Append(header, "data");
-    Append(header, static_cast<UInt32>(dataBytes_), 4);
-    WriteBytes(header);
+    Append(header, static_cast<UInt32>(dataBytes), 4);
+    file_.Write(header.data(), header.size());
 }
 
 void WavWriter::Write(const SInt16* samples, size_t count)
@@ -76,24 +65,16 @@ void WavWriter::Write(const SInt16* samples, size_t count)
     for (size_t i = 0; i < count; ++i) {
         Append(bytes, static_cast<UInt16>(samples[i]), kBytesPerSample);
     }
-    WriteBytes(bytes);
+    file_.Write(bytes.data(), bytes.size());
     dataBytes_ += static_cast<SInt64>(bytes.size());
-}
-
-void WavWriter::WriteBytes(const std::vector<UInt8>& bytes)
-{
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) {
-        ThrowErrno();
-    }
 }
 
 void WavWriter::Close()
 {
-    std::rewind(file_.get());
-    WriteHeader();
-    if (std::fclose(file_.release()) != 0) {
-        ThrowErrno();
+    if (file_.Rewind()) {
+        WriteHeader(dataBytes_);
     }
+    file_.Commit();
 }
 
 } // namespace viewer

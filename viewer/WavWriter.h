@@ -2,9 +2,8 @@
 #pragma once
 
 #include "toolbox/Types.h"
+#include "viewer/OutputFile.h"
 
-#include <cstdio>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,7 +11,7 @@ namespace viewer
 {
 
 // A WAV file of 16-bit samples that grows. All operations throw std::runtime_error with a text for
-// the user.
+// the user. Into a pipe it is written with the sizes that stand for "as long as it lasts".
 class WavWriter
 {
 public:
@@ -24,13 +23,9 @@ public:
     void Close();
 
 private:
-    struct CloseFile {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
-    void WriteHeader();
-    void WriteBytes(const std::vector<UInt8>& bytes);
+    void WriteHeader(SInt64 dataBytes);
 
-    std::unique_ptr<std::FILE, CloseFile> file_;
+    OutputFile file_;
     SInt32 sampleRate_;
     SInt32 channels_;
     SInt64 dataBytes_ = 0;

@@ -14,11 +14,21 @@ void StopInGoodOrder(int number)
     std::signal(number, SIG_DFL);
 }
 
+// Whoever started the program may have decided that a signal is not for it, as nohup does.
+void HandleUnlessIgnored(int number)
+{
+    if (std::signal(number, SIG_IGN) != SIG_IGN) {
+        std::signal(number, StopInGoodOrder);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    std::signal(SIGINT, StopInGoodOrder);
-    std::signal(SIGTERM, StopInGoodOrder);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        HandleUnlessIgnored(number);
+    }
+    std::signal(SIGPIPE, SIG_IGN); // an output that nobody reads is told like any other failure
     return viewer::RunViewer(argc, argv);
 }

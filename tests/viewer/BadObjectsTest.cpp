@@ -20,7 +20,8 @@ using testing::IsEmpty;
 class NoMovie : public EndToEnd
 {
 protected:
-    void ExpectNoMovieIn(const std::string& contents)
+    void ExpectNoMovieIn(const std::string& contents,
+                         const std::string& told = "there is no movie in it")
     {
         for (const std::vector<std::string>& pace :
              {std::vector<std::string>{}, {"--arrive", "100000"}}) {
@@ -30,7 +31,7 @@ protected:
             EXPECT_EQ(result.status, 1);
             EXPECT_EQ(result.Object()["error"], -2048);
             EXPECT_TRUE(result.Object()["first_picture"].is_null());
-            EXPECT_THAT(result.err, HasSubstr("clip.mpg: there is no movie in it (error -2048)"));
+            EXPECT_THAT(result.err, HasSubstr("clip.mpg: " + told + " (error -2048)"));
         }
     }
 };
@@ -46,7 +47,7 @@ TEST_F(NoMovie, InATextFile)
 
 TEST_F(NoMovie, InAnEmptyFile)
 {
-    ExpectNoMovieIn("");
+    ExpectNoMovieIn("", "it is empty");
 }
 
 TEST_F(NoMovie, InRandomBytes)
@@ -139,6 +140,27 @@ TEST_F(EndToEnd, AnInterruptEndsThePageInGoodOrder)
     EXPECT_EQ(result.Object(1)["bytes"], 0);
     EXPECT_FALSE(result.snapshot.empty());
     EXPECT_THAT(viewer.LeftBehind(), IsEmpty());
+}
+
+TEST_F(EndToEnd, AHangUpDoesToo)
+{
+    const std::string path = viewer.Folder().Path("stream.mpg");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int fifo = open(path.c_str(), O_RDWR);
+    const ViewerResult result = viewer.RunAndInterrupt({Clip("tiny.mpg"), path}, 700, SIGHUP);
+    close(fifo);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.Object(0)["pictures_shown"], 1);
+    EXPECT_FALSE(result.snapshot.empty());
+    EXPECT_THAT(viewer.LeftBehind(), IsEmpty());
+}
+
+TEST_F(EndToEnd, AnUnusablePlaceForTemporaryFilesIsNotBlamedOnTheMovie)
+{
+    const ViewerResult result = RunVornview({"--headless", Clip("tiny.mpg")}, "/no/such/place");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("'/no/such/place' (TMPDIR) cannot be used"));
+    EXPECT_THAT(result.err, testing::Not(HasSubstr("tiny.mpg")));
 }
 
 } // namespace

@@ -2,9 +2,12 @@
 #include "viewer/ByteSource.h"
 #include "tests/viewer/TestFiles.h"
 #include "viewer/PipeSource.h"
+#include "viewer/TemporaryPlace.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -154,6 +157,19 @@ TEST_F(PipeSourceTest, WhatWasReadStaysReadable)
     EXPECT_EQ(ReadAll(*source, 0, 50'000), bytes);
 }
 
+TEST_F(PipeSourceTest, IsClosedWhenNobodyWantsMore)
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    Send("hello");
+    source->Pump(100);
+    source->StopReceiving();
+    EXPECT_EQ(write(writer.Get(), "x", 1), -1);
+    EXPECT_EQ(errno, EPIPE);
+    source->Pump(100);
+    EXPECT_EQ(source->DescriptorToWaitOn(), -1);
+    EXPECT_EQ(ReadAll(*source, 0, 5), "hello");
+}
+
 TEST(Fifo, ThatNobodyWritesToYetIsNotAtItsEnd)
 {
     const TestFolder folder;
@@ -170,6 +186,20 @@ TEST(Fifo, ThatNobodyWritesToYetIsNotAtItsEnd)
     writer = FileDescriptor();
     source->Pump(10);
     EXPECT_TRUE(source->IsComplete());
+}
+
+TEST(Stream, IsNotBlamedForAMissingPlaceToKeepIt)
+{
+    const std::string former = viewer::TemporaryPlace();
+    setenv("TMPDIR", "/no/such/place", 1);
+    try {
+        const PipeSource source{FileDescriptor()};
+        ADD_FAILURE() << "was kept";
+    } catch (const SourceFailure& failure) {
+        EXPECT_EQ(failure.text,
+                  "a stream cannot be kept in '/no/such/place': No such file or directory");
+    }
+    setenv("TMPDIR", former.c_str(), 1);
 }
 
 } // namespace

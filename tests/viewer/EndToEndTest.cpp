@@ -104,18 +104,46 @@ TEST_F(EndToEnd, AReportThatCannotBeWrittenIsTold)
 {
     const ViewerResult result = Run({"--report", "/no/such/folder.json", Clip("tiny.mpg")});
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.err, HasSubstr("/no/such/folder.json"));
+    EXPECT_THAT(result.err, HasSubstr("/no/such/folder.json: the report could not be written: "
+                                      "No such file or directory"));
 }
 
 TEST_F(EndToEnd, StandardInputIsAnObject)
 {
     const std::string command = std::string("cat ") + Clip("mpeg1.mpg") + " | " + VORNVIEW +
-                                " --headless --play --type video/mpeg --report " +
-                                viewer.Folder().Path("r.json") + " - > /dev/null";
+                                " --headless --play --report " + viewer.Folder().Path("r.json") +
+                                " - > /dev/null";
     ASSERT_EQ(std::system(command.c_str()), 0);
     const nlohmann::json report = nlohmann::json::parse(viewer.Folder().Read("r.json"));
     EXPECT_EQ(report["objects"][0]["name"], "-");
     EXPECT_EQ(report["objects"][0]["pictures_shown"], PicturesOf("mpeg1.mpg"));
+}
+
+TEST_F(EndToEnd, AnExtensionThatIsWrongOrMissingDoesNotMatter)
+{
+    const ViewerResult result = Run({"--play", Write("sound.txt", ReadFile(Clip("sound.mp3"))),
+                                     Write("clip", ReadFile(Clip("tiny.mpg"))),
+                                     Write("x.mp3", ReadFile(Clip("early.mpg")))});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.Object(0)["type"], "audio/mpeg");
+    EXPECT_EQ(result.Object(1)["type"], "video/mpeg");
+    EXPECT_EQ(result.Object(2)["type"], "video/mpeg");
+    EXPECT_EQ(result.Object(1)["pictures_shown"], PicturesOf("tiny.mpg"));
+}
+
+TEST_F(EndToEnd, ASoundOnANarrowPageCanBePlayed)
+{
+    const ViewerResult result = Run({"--size", "100x60", "--play", Clip("sound.mp3")});
+    EXPECT_EQ(result.Object()["rect"], nlohmann::json({0, 0, 17, 240}));
+    EXPECT_TRUE(result.wav == SoundOf("sound.mp3"));
+}
+
+TEST_F(EndToEnd, AnObjectIsNotOverwritten)
+{
+    const std::string clip = Write("clip.mpg", ReadFile(Clip("tiny.mpg")));
+    const ViewerResult result = Run({clip, "--snapshot", clip});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_TRUE(ReadFile(clip) == ReadFile(Clip("tiny.mpg")));
 }
 
 TEST_F(EndToEnd, UntilEndsTheClock)
@@ -136,6 +164,17 @@ TEST(CommandLine, MakesItsStatusAndTextsPlain)
     const ViewerResult help = RunVornview({"--help"}, "/tmp");
     EXPECT_EQ(help.status, 0);
     EXPECT_THAT(help.out, HasSubstr("--headless"));
+    EXPECT_EQ(RunVornview({"-h"}, "/tmp").out, help.out);
+    EXPECT_THAT(RunVornview({"--version"}, "/tmp").out,
+                testing::MatchesRegex("vornview [0-9.]+\n"));
+}
+
+TEST(CommandLine, WithoutHeadlessThePageRunsAndTheMissingWindowIsTold)
+{
+    const ViewerResult result = RunVornview({Clip("tiny.mpg")}, "/tmp");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.err, HasSubstr("this build has no window"));
+    EXPECT_EQ(RunVornview({"--headless", Clip("tiny.mpg")}, "/tmp").err, "");
 }
 
 TEST(CommandLine, ListsTheMovieBundle)

@@ -157,6 +157,14 @@ TEST_F(HeadlessRunTest, AnEmptyFileHasNoMovie)
 {
     Add("empty-never", 0);
     EXPECT_EQ(Run().objects.at(0).error, noMovieFound);
+    EXPECT_TRUE(Told("empty-never.fake: it is empty (error -2048)"));
+}
+
+TEST_F(HeadlessRunTest, AnEmptyObjectOfUnknownTypeIsEmptyFirstOfAll)
+{
+    options.objects.push_back({folder.Write("empty", ""), "", 0x1F});
+    Run();
+    EXPECT_TRUE(Told("empty: it is empty (error -50)"));
 }
 
 TEST_F(HeadlessRunTest, ABundleThatWaitsInsideAnIdleGetsItsBytes)
@@ -218,6 +226,51 @@ TEST_F(HeadlessRunTest, UserEventsHoldUpTheEnd)
     const PageReport report = Run();
     EXPECT_NEAR(report.seconds, 1.05, 0.0001);
     EXPECT_EQ(plugins.Count("event a.fake 2 0 10,10"), 1);
+}
+
+TEST_F(HeadlessRunTest, AnEventAtTheStartFindsItsObject)
+{
+    Add("a");
+    options.events = {{viewer::UserEvent::Kind::kClick, 0, {10, 10}, 0},
+                      {viewer::UserEvent::Kind::kKey, 0, {}, ' '}};
+    Run();
+    EXPECT_EQ(plugins.Count("event a.fake 1 0 10,10"), 1);
+    EXPECT_EQ(plugins.Count("event a.fake 3 32 0,0"), 1);
+    EXPECT_EQ(told, "");
+}
+
+TEST_F(HeadlessRunTest, AnEventWaitsUntilItsObjectHasArrived)
+{
+    Add("a-open50000", 60'000);
+    options.bytesPerSecond = 10'000;
+    options.events = {{viewer::UserEvent::Kind::kClick, 1'000'000, {10, 10}, 0}};
+    const PageReport report = Run();
+    EXPECT_EQ(plugins.Count("event a-open50000.fake 1 0 10,10"), 1);
+    EXPECT_GE(report.seconds, 5.0);
+    EXPECT_LE(report.seconds, 6.1);
+}
+
+TEST_F(HeadlessRunTest, EventsThatTheEndForestallsAreTold)
+{
+    Add("a");
+    options.until = 1'000'000;
+    options.events = {{viewer::UserEvent::Kind::kKey, 2'000'000, {}, ' '}};
+    Run();
+    EXPECT_TRUE(Told("the end came before 1 click or key could be delivered"));
+}
+
+TEST_F(HeadlessRunTest, ObjectsBelowThePageAreTold)
+{
+    options.width = 100;
+    options.height = 60;
+    Add("a");
+    Add("b");
+    Run();
+    EXPECT_EQ(told, "");
+    Add("c");
+    Add("d");
+    Run();
+    EXPECT_TRUE(Told("2 objects lie below the page; --size 100x224 shows more"));
 }
 
 TEST_F(HeadlessRunTest, AFifoThatStallsLetsTheOthersOpenAndIsShownInTheEnd)

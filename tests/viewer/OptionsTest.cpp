@@ -165,11 +165,22 @@ TEST(Options, AnObjectMustBeNamed)
     EXPECT_THROW(Parse({}), UsageError);
     EXPECT_NO_THROW(Parse({"--list-plugins"}));
     EXPECT_NO_THROW(Parse({"--help"}));
+    EXPECT_TRUE(Parse({"-h"}).help);
+    EXPECT_TRUE(Parse({"--version"}).version);
 }
 
-TEST(Options, WithoutAWindowHeadlessIsNeeded)
+TEST(Options, ATypesParametersAreCutOff)
 {
-    EXPECT_THROW(Parse({"clip.mpg"}), UsageError);
+    const Options options =
+        Parse({"--type", " video/mpeg ; codecs=\"mp2\"", "a", "--type", ";x", "b"});
+    EXPECT_EQ(options.objects.at(0).mimeType, "video/mpeg");
+    EXPECT_EQ(options.objects.at(1).mimeType, "");
+}
+
+TEST(Options, AWindowIsWantedUnlessHeadlessIsSaid)
+{
+    EXPECT_FALSE(Parse({"clip.mpg"}).headless);
+    EXPECT_TRUE(Parse({"--headless", "clip.mpg"}).headless);
 }
 
 TEST(Options, WhatFollowsTwoDashesIsAnObject)
@@ -183,7 +194,8 @@ TEST(Options, TheHelpTextNamesEveryOption)
 {
     for (const char* name :
          {"--headless", "--size", "--type", "--flags", "--arrive", "--play", "--at", "--snapshot",
-          "--wav", "--until", "--click", "--key", "--report", "--plugins", "--list-plugins"}) {
+          "--wav", "--until", "--click", "--key", "--report", "--plugins", "--list-plugins",
+          "--version", "-h, --help"}) {
         EXPECT_THAT(viewer::HelpText(), HasSubstr(name));
     }
 }

@@ -122,6 +122,35 @@ TEST_F(PageTest, FindsTheObjectAtAPlace)
     EXPECT_EQ(page.ObjectAt({50, 108}), nullptr);
 }
 
+TEST_F(PageTest, AControllerBarKeepsItsWidthOnANarrowerPage)
+{
+    Page narrow(100, 100);
+    const std::string path = folder.Write("a-bar", Pattern(1000));
+    EmbeddedObject& object = narrow.Add(std::make_unique<EmbeddedObject>(
+        viewer::ObjectDescription{"a-bar", "a-bar", viewer::ObjectType{"video/x-fake"}, 0x1F},
+        std::make_unique<ObjectBytes>(viewer::OpenSource(path), viewer::ArrivalPace(), time)));
+    object.Start(*plugins.Folder().Bundles()[0]);
+    for (int i = 0; i < 10; ++i) {
+        YieldToAnyThread();
+        narrow.IdleObjects();
+        narrow.DrawChanges();
+    }
+    EXPECT_EQ(Sides(object.Area()), (std::vector<int>{0, 0, 17, 240}));
+    narrow.FreeObjects();
+    SetPort(page.Port());
+}
+
+TEST_F(PageTest, CountsWhatLiesBelowIt)
+{
+    for (const char* name : {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}) {
+        AddStarted(name);
+    }
+    EXPECT_EQ(page.LookBelow().objects, 0);
+    RunToEnd();
+    EXPECT_EQ(page.LookBelow().objects, 2); // two in each row of 58
+    EXPECT_EQ(page.LookBelow().bottom, 4 * 58 + 50);
+}
+
 TEST_F(PageTest, FreesTheObjectsInOrder)
 {
     AddStarted("a");

@@ -50,4 +50,22 @@ TEST(PngWriter, TellsOfAPlaceThatCannotBeWritten)
     DisposeWindowPort(port);
 }
 
+TEST(PngWriter, AFailureLeavesWhatStoodThereAndNothingElse)
+{
+    const TestFolder folder;
+    const std::string path = folder.Write("a.png", "old");
+    const Rect bounds = {0, 0, 200, 300};
+    CGrafPtr port = nullptr;
+    ASSERT_EQ(CreateWindowPort(&bounds, &port), 0);
+    {
+        const FullDisk full(10);
+        EXPECT_THROW(viewer::WritePng(port, path), std::runtime_error);
+    }
+    EXPECT_THROW(viewer::WritePng(port, "/dev/full"), std::runtime_error);
+    DisposeWindowPort(port);
+    EXPECT_EQ(folder.Read("a.png"), "old");
+    EXPECT_TRUE(std::filesystem::exists("/dev/full"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path(".")), {}), 1);
+}
+
 } // namespace

@@ -29,6 +29,9 @@ void SendTo(const std::string& path, int descriptor)
         pointers.push_back(const_cast<char*>(argument.c_str()));
     }
     pointers.push_back(nullptr);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+        std::signal(number, SIG_DFL); // a script in the background has it ignored
+    }
     setenv("TMPDIR", temporary.c_str(), 1);
     SendTo(output.Path("out"), STDOUT_FILENO);
     SendTo(output.Path("err"), STDERR_FILENO);
@@ -39,7 +42,7 @@ void SendTo(const std::string& path, int descriptor)
 } // namespace
 
 ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::string& temporary,
-                         int interruptAfter)
+                         int interruptAfter, int signal)
 {
     const TestFolder output;
     const pid_t child = fork();
@@ -48,7 +51,7 @@ ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::s
     }
     if (interruptAfter > 0) {
         std::this_thread::sleep_for(std::chrono::milliseconds(interruptAfter));
-        kill(child, SIGINT);
+        kill(child, signal);
     }
     int status = 0;
     waitpid(child, &status, 0);
@@ -64,7 +67,8 @@ ViewerResult RunningViewer::Run(std::vector<std::string> arguments)
     return RunAndInterrupt(std::move(arguments), 0);
 }
 
-ViewerResult RunningViewer::RunAndInterrupt(std::vector<std::string> arguments, int milliseconds)
+ViewerResult RunningViewer::RunAndInterrupt(std::vector<std::string> arguments, int milliseconds,
+                                            int signal)
 {
     for (const char* old : {"report.json", "sound.wav", "end.png"}) {
         std::filesystem::remove(folder_.Path(old));
@@ -73,7 +77,7 @@ ViewerResult RunningViewer::RunAndInterrupt(std::vector<std::string> arguments, 
                      {"--headless", "--report", folder_.Path("report.json"), "--wav",
                       folder_.Path("sound.wav"), "--snapshot", folder_.Path("end.png")});
     std::filesystem::create_directories(folder_.Path("tmp"));
-    ViewerResult result = RunVornview(arguments, folder_.Path("tmp"), milliseconds);
+    ViewerResult result = RunVornview(arguments, folder_.Path("tmp"), milliseconds, signal);
     result.report = nlohmann::json::parse(folder_.Read("report.json"), nullptr, false);
     const std::string wav = folder_.Read("sound.wav");
     result.wav = wav.size() < kWavHeaderSize ? "" : wav.substr(kWavHeaderSize);

@@ -5,6 +5,7 @@
 
 #include "tests/viewer/TestFiles.h"
 
+#include <csignal>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -26,8 +27,9 @@ class RunningViewer
 {
 public:
     ViewerResult Run(std::vector<std::string> arguments);
-    // The same, but sends it SIGINT after that time.
-    ViewerResult RunAndInterrupt(std::vector<std::string> arguments, int milliseconds);
+    // The same, but sends it a signal after that time.
+    ViewerResult RunAndInterrupt(std::vector<std::string> arguments, int milliseconds,
+                                 int signal = SIGINT);
     // What runs have left in their TMPDIR.
     std::vector<std::string> LeftBehind() const;
     const TestFolder& Folder() const { return folder_; }
@@ -36,7 +38,7 @@ private:
     TestFolder folder_;
 };
 
-// The program with just these arguments. It gets SIGINT after `interruptAfter` milliseconds, if
+// The program with just these arguments. It gets the signal after `interruptAfter` milliseconds, if
 // that is not 0.
 ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::string& temporary,
-                         int interruptAfter = 0);
+                         int interruptAfter = 0, int signal = SIGINT);

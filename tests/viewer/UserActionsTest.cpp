@@ -127,6 +127,53 @@ TEST_F(UserActionsTest, ThePlayButtonIsClickedOnceItIsThere)
     EXPECT_EQ(plugins.Count("event b 1 0 41,132"), 1);
 }
 
+TEST_F(UserActionsTest, AnObjectThatIsMadeAnewIsPlayedAnew)
+{
+    RunToEnd();
+    UserActions user(page, {}, true);
+    user.PlayNewMovies();
+    EmbeddedObject& object = *page.Objects()[0];
+    object.Free();
+    object.WaitAgain();
+    object.Start(*plugins.Folder().Bundles()[0]);
+    RunToEnd();
+    EXPECT_TRUE(user.PlayNewMovies());
+    EXPECT_EQ(plugins.Count("event a 1 0 41,24"), 2);
+    EXPECT_EQ(plugins.Count("event b 1 0 41,132"), 1);
+}
+
+TEST_F(UserActionsTest, AnEventWaitsForItsObjectAndTheNextOneForIt)
+{
+    UserActions user(page, {Click(110, 20, 0), Key('z', 0)}, false);
+    EXPECT_FALSE(user.SendDue(0));
+    EXPECT_FALSE(user.NextTime());
+    RunToEnd();
+    EXPECT_TRUE(user.SendDue(0));
+    EXPECT_EQ(plugins.Count("event b 1 0 20,110"), 1);
+    EXPECT_EQ(plugins.Count("event b 3 122 0,0"), 1);
+    EXPECT_EQ(user.CountLeft(), 0u);
+}
+
+TEST_F(UserActionsTest, AKeyWaitsForTheObjectThatTakesIt)
+{
+    UserActions user(page, {Key('z', 0)}, false);
+    EXPECT_FALSE(user.SendDue(0));
+    EXPECT_EQ(user.CountLeft(), 1u);
+    RunToEnd();
+    EXPECT_TRUE(user.SendDue(0));
+    EXPECT_EQ(plugins.Count("event a 3 122 0,0"), 1);
+}
+
+TEST_F(UserActionsTest, TheButtonIsLetGoBeforeItIsPressedAgain)
+{
+    RunToEnd();
+    UserActions user(page, {Click(10, 20, 0), Click(110, 20, 0)}, false);
+    user.SendDue(0);
+    EXPECT_EQ(plugins.Count("event a 2 0 20,10"), 1);
+    EXPECT_EQ(plugins.Count("event b 2 0 20,110"), 0);
+    EXPECT_LT(plugins.Log().find("event a 2"), plugins.Log().find("event b 1"));
+}
+
 TEST_F(UserActionsTest, NothingIsPlayedUnasked)
 {
     RunToEnd();

@@ -7,6 +7,8 @@
 
 #include <array>
 #include <stdexcept>
+#include <sys/stat.h>
+#include <thread>
 
 namespace
 {
@@ -50,6 +52,41 @@ TEST(WavWriter, TellsOfAFullDisk)
             wav.Close();
         },
         std::runtime_error);
+}
+
+TEST(WavWriter, AFailureLeavesWhatStoodThere)
+{
+    const TestFolder folder;
+    const std::string path = folder.Write("a.wav", "old");
+    const std::vector<SInt16> samples(100'000);
+    {
+        const FullDisk full(1000);
+        WavWriter wav(path, 8000, 1);
+        EXPECT_THROW(
+            {
+                wav.Write(samples.data(), samples.size());
+                wav.Close();
+            },
+            std::runtime_error);
+    }
+    EXPECT_EQ(folder.Read("a.wav"), "old");
+}
+
+TEST(WavWriter, IntoAPipeTheLengthIsLeftOpen)
+{
+    const TestFolder folder;
+    const std::string path = folder.Path("fifo.wav");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    std::string read;
+    std::thread reader([&] { read = folder.Read("fifo.wav"); });
+    WavWriter wav(path, 8000, 1);
+    const SInt16 sample = 0x1234;
+    wav.Write(&sample, 1);
+    wav.Close();
+    reader.join();
+    ASSERT_EQ(read.size(), 46u);
+    EXPECT_EQ(read.substr(4, 4), "\xFF\xFF\xFF\xFF");
+    EXPECT_EQ(read.substr(44), "\x34\x12");
 }
 
 } // namespace

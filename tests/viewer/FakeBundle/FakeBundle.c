@@ -134,6 +134,9 @@ OSErr VornPluginDecodeObject(VornPlugin* object)
         count = kChunk;
         err = gCalls.getData(object, chunk, object->bytes, &count, &size, &complete);
         object->bytes += count;
+        if (Has(object, "stop") && object->bytes >= NumberBehind(object, "stop", 0)) {
+            return ioErr;
+        }
     }
     object->ended = 1;
     err = Has(object, "baddecode") ? ioErr : noErr;
@@ -178,7 +181,9 @@ OSErr VornPluginIdleObject(VornPlugin* object, const Rect* displayRect, unsigned
     }
     if (!object->hasDimensions && !Has(object, "never") &&
         object->bytes >= NumberBehind(object, "open", 1)) {
-        const Rect rect = {0, 0, 50, 100};
+        const Rect picture = {0, 0, 50, 100};
+        const Rect bar = {0, 0, 17, 240};
+        const Rect rect = Has(object, "bar") ? bar : picture;
         object->hasDimensions = 1;
         gCalls.gotRect(object, &rect);
     }

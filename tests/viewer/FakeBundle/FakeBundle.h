@@ -9,6 +9,8 @@
  *   badidle      Idle fails with -2010 once all data are in
  *   baddecode    Decode fails with -36
  *   wait<N>      the first Idle yields inside the bundle until N bytes are in
+ *   stop<N>      Decode returns -36 once N bytes are in
+ *   bar          it is 17 x 240, like a sound's controller
  *   grey<N>      fills its rectangle with that grey, else with black
  */
 #ifndef FAKE_BUNDLE_H

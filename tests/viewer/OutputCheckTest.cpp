@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/OutputCheck.h"
+
+#include "tests/viewer/TestFiles.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using testing::HasSubstr;
+using viewer::Options;
+
+class OutputCheck : public testing::Test
+{
+protected:
+    OutputCheck()
+    {
+        options.objects.push_back({folder.Write("clip.mpg", "a movie"), "", 0x1F});
+        std::filesystem::create_symlink("clip.mpg", folder.Path("same.mpg"));
+    }
+    std::string Complaint() const
+    {
+        try {
+            viewer::RefuseOutputsThatAreObjects(options);
+        } catch (const viewer::UsageError& error) {
+            return error.what();
+        }
+        return "";
+    }
+
+    TestFolder folder;
+    Options options;
+};
+
+TEST_F(OutputCheck, AnObjectIsNotOverwritten)
+{
+    options.reportPath = folder.Path("clip.mpg");
+    EXPECT_THAT(Complaint(), HasSubstr("--report: '" + folder.Path("clip.mpg")));
+}
+
+TEST_F(OutputCheck, NorUnderAnotherName)
+{
+    options.wavPath = folder.Path("same.mpg");
+    EXPECT_THAT(Complaint(), HasSubstr("--wav: '"));
+}
+
+TEST_F(OutputCheck, NorByASnapshot)
+{
+    options.snapshots = {{0, folder.Path("a.png")}, {1, folder.Path("./clip.mpg")}};
+    EXPECT_THAT(Complaint(), HasSubstr("--snapshot: '"));
+}
+
+TEST_F(OutputCheck, OtherFilesAndDevicesAreFine)
+{
+    options.objects.push_back({"/dev/null", "", 0x1F});
+    options.wavPath = "/dev/null";
+    options.reportPath = folder.Write("old.json", "{}");
+    options.snapshots = {{0, folder.Path("new.png")}};
+    EXPECT_EQ(Complaint(), "");
+}
+
+} // namespace

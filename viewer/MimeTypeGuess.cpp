@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/MimeTypeGuess.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace viewer
+{
+namespace
+{
+
+using std::string_view_literals::operator""sv;
+
+constexpr size_t kTransportPacket = 188;
+constexpr size_t kTransportPacketsWanted = 3;
+constexpr char kTransportSync = 0x47;
+
+struct Signature {
+    std::string_view start;
+    const char* mimeType;
+};
+
+constexpr Signature kSignatures[] = {
+    {"\x00\x00\x01\xBA"sv, "video/mpeg"}, // a program stream's pack header
+    {"\x00\x00\x01\xB3"sv, "video/mpeg"}, // a video stream's sequence header
+    {"ID3"sv, "audio/mpeg"},
+    {"GIF8"sv, "image/gif"},
+    {"\x89PNG"sv, "image/png"},
+    {"\xFF\xD8\xFF"sv, "image/jpeg"},
+};
+
+bool IsTransportStream(std::string_view bytes)
+{
+    for (size_t packet = 0; packet < kTransportPacketsWanted; ++packet) {
+        const size_t at = packet * kTransportPacket;
+        if (at >= bytes.size() || bytes[at] != kTransportSync) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The header of a frame: eleven bits that are set, a version, a layer, a bit rate and a sample
+// rate, each of which has one value that is none.
+bool IsAudioFrame(std::string_view bytes)
+{
+    if (bytes.size() < 3 || bytes[0] != '\xFF' || (bytes[1] & 0xE0) != 0xE0) {
+        return false;
+    }
+    const bool isMarkOfUtf16 = bytes[1] == '\xFE'; // a text is likelier than layer I with checks
+    const int version = (bytes[1] >> 3) & 3;
+    const int layer = (bytes[1] >> 1) & 3;
+    const int bitRate = (bytes[2] >> 4) & 15;
+    const int sampleRate = (bytes[2] >> 2) & 3;
+    return !isMarkOfUtf16 && version != 1 && layer != 0 && bitRate != 15 && sampleRate != 3;
+}
+
+} // namespace
+
+std::string GuessMimeType(const UInt8* bytes, size_t count)
+{
+    const std::string_view start(reinterpret_cast<const char*>(bytes), count);
+    const auto* const known =
+        std::find_if(std::begin(kSignatures), std::end(kSignatures),
+                     [&](const Signature& each) { return start.starts_with(each.start); });
+    if (known != std::end(kSignatures)) {
+        return known->mimeType;
+    }
+    if (IsTransportStream(start)) {
+        return "video/mpeg";
+    }
+    return IsAudioFrame(start) ? "audio/mpeg" : "";
+}
+
+} // namespace viewer

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "viewer/PluginFolder.h"
+
+#include <string>
+
+namespace viewer
+{
+
+// How an object was named and what its page wants of it.
+struct ObjectDescription {
+    std::string name;     // for the user
+    std::string fileName; // for the plug-in
+    ObjectType type;
+    UInt32 displayFlags = 0;
+    bool typeIsGiven = false; // by the user: the first bytes are not asked
+};
+
+} // namespace viewer
