@@ -40,6 +40,13 @@ bool IsTransportStream(std::string_view bytes)
     return true;
 }
 
+// The mark of UTF-16, which a frame of layer I may begin with too, before a Latin letter.
+bool IsText(std::string_view bytes)
+{
+    return bytes.size() > 3 && bytes.starts_with("\xFF\xFE") && (bytes[2] & 0x80) == 0 &&
+           bytes[3] == '\0';
+}
+
 // The header of a frame: eleven bits that are set, a version, a layer, a bit rate and a sample
 // rate, each of which has one value that is none.
 bool IsAudioFrame(std::string_view bytes)
@@ -47,12 +54,11 @@ bool IsAudioFrame(std::string_view bytes)
     if (bytes.size() < 3 || bytes[0] != '\xFF' || (bytes[1] & 0xE0) != 0xE0) {
         return false;
     }
-    const bool isMarkOfUtf16 = bytes[1] == '\xFE'; // a text is likelier than layer I with checks
     const int version = (bytes[1] >> 3) & 3;
     const int layer = (bytes[1] >> 1) & 3;
     const int bitRate = (bytes[2] >> 4) & 15;
     const int sampleRate = (bytes[2] >> 2) & 3;
-    return !isMarkOfUtf16 && version != 1 && layer != 0 && bitRate != 15 && sampleRate != 3;
+    return version != 1 && layer != 0 && bitRate != 15 && sampleRate != 3;
 }
 
 } // namespace
@@ -69,7 +75,7 @@ std::string GuessMimeType(const UInt8* bytes, size_t count)
     if (IsTransportStream(start)) {
         return "video/mpeg";
     }
-    return IsAudioFrame(start) ? "audio/mpeg" : "";
+    return IsAudioFrame(start) && !IsText(start) ? "audio/mpeg" : "";
 }
 
 } // namespace viewer

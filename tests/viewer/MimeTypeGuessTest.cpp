@@ -39,6 +39,7 @@ TEST(MimeTypeGuess, SoundStartsWithATagOrAFrame)
     EXPECT_EQ(Guess("ID3\4"), "audio/mpeg");
     EXPECT_EQ(Guess("\xFF\xFB\x90\x64"), "audio/mpeg"); // layer III
     EXPECT_EQ(Guess("\xFF\xFD\xA4\x04"), "audio/mpeg"); // layer II
+    EXPECT_EQ(Guess("\xFF\xFE\xC8\x04"), "audio/mpeg"); // layer I
     EXPECT_EQ(Guess("\xFF\xE3\x90\x64"), "audio/mpeg"); // version 2.5
 }
 
