@@ -6,6 +6,7 @@
 
 #include "toolbox/CpuVersions.h"
 
+#include <bit>
 #include <cstring>
 
 namespace
@@ -58,12 +59,32 @@ VORN_CPU_VERSIONS void RowFromRGBx(UInt8* to, const UInt8* from, ptrdiff_t count
         Store555(to + i * kBytesPer16bit, from + i * kBytesPerRGBA);
 }
 
+// A pixel and its mask from the two halves of a sample as a little-endian machine loads them: with
+// 16 bits for everything there is half as much to spread and to gather as with single bytes.
+inline void StoreFromHalves(UInt8* pixel, UInt8* mask, const UInt8* rgba)
+{
+    UInt16 greenRed = 0;
+    UInt16 alphaBlue = 0;
+    std::memcpy(&greenRed, rgba, sizeof greenRed);
+    std::memcpy(&alphaBlue, rgba + sizeof greenRed, sizeof alphaBlue);
+    const auto color = static_cast<UInt16>((greenRed >> 1 & 0x7C) | greenRed >> 14 |
+                                           (greenRed << 2 & 0xE000) | (alphaBlue << 5 & 0x1F00));
+    const auto gray = static_cast<UInt16>((alphaBlue >> 9 & 0x7C) | alphaBlue >> 14 |
+                                          (alphaBlue << 2 & 0xE000) | (alphaBlue >> 3 & 0x1F00));
+    std::memcpy(pixel, &color, sizeof color);
+    std::memcpy(mask, &gray, sizeof gray);
+}
+
 VORN_CPU_VERSIONS void RowsFromRGBA(UInt8* to, UInt8* mask, const UInt8* from, ptrdiff_t count)
 {
     for (ptrdiff_t i = 0; i < count; ++i) {
-        const UInt32 alpha = from[i * kBytesPerRGBA + 3];
-        Store555(to + i * kBytesPer16bit, from + i * kBytesPerRGBA);
-        StoreGray555(mask + i * kBytesPer16bit, alpha);
+        const UInt8* const rgba = from + i * kBytesPerRGBA;
+        if constexpr (std::endian::native == std::endian::little) {
+            StoreFromHalves(to + i * kBytesPer16bit, mask + i * kBytesPer16bit, rgba);
+        } else {
+            Store555(to + i * kBytesPer16bit, rgba);
+            StoreGray555(mask + i * kBytesPer16bit, rgba[3]);
+        }
     }
 }
 
@@ -71,6 +92,15 @@ VORN_CPU_VERSIONS void RowFromGray(UInt8* to, const UInt8* from, ptrdiff_t count
 {
     for (ptrdiff_t i = 0; i < count; ++i)
         StoreGray555(to + i * kBytesPer16bit, from[i]);
+}
+
+// The byte that is no colour becomes the sample behind the pixel's own, past the row's last too.
+inline void StoreWide(UInt8* pixel, const UInt8* rgb)
+{
+    pixel[0] = rgb[3];
+    pixel[1] = rgb[0];
+    pixel[2] = rgb[1];
+    pixel[3] = rgb[2];
 }
 
 // Four pixels from 16 bytes, of which 13 count: small enough to become one shuffle of a register.
@@ -82,30 +112,26 @@ inline void StoreBlock(UInt8* to, const UInt8* from)
     UInt8 samples[kBlockBytes];
     UInt8 pixels[kBlockBytes];
     std::memcpy(samples, from, kBlockBytes);
-    for (int i = 0; i < kBlockPixels; ++i) {
-        pixels[i * kBytesPer32bit] = samples[i * kBytesPerRGB + 3];
-        pixels[i * kBytesPer32bit + 1] = samples[i * kBytesPerRGB];
-        pixels[i * kBytesPer32bit + 2] = samples[i * kBytesPerRGB + 1];
-        pixels[i * kBytesPer32bit + 3] = samples[i * kBytesPerRGB + 2];
-    }
+    for (int i = 0; i < kBlockPixels; ++i)
+        StoreWide(pixels + i * kBytesPer32bit, samples + i * kBytesPerRGB);
     std::memcpy(to, pixels, kBlockBytes);
 }
 
-// The byte that is no colour becomes the sample behind the pixel's own, past the row's last too.
 VORN_CPU_VERSIONS void WideRowFromRGB(UInt8* to, const UInt8* from, ptrdiff_t count)
 {
+    constexpr int kBlocks = 4;
     ptrdiff_t i = 0;
-    // A block reads what five pixels and their neighbour have, so it ends before the last pixels.
-    for (; i + kBlockPixels < count; i += kBlockPixels)
-        StoreBlock(to + i * kBytesPer32bit, from + i * kBytesPerRGB);
-    for (; i < count; ++i) {
-        const UInt8* const rgb = from + i * kBytesPerRGB;
-        UInt8* const pixel = to + i * kBytesPer32bit;
-        pixel[0] = rgb[3];
-        pixel[1] = rgb[0];
-        pixel[2] = rgb[1];
-        pixel[3] = rgb[2];
+    // The last block reads three bytes too many, so one pixel must be left behind it.
+    for (; i + kBlocks * kBlockPixels < count; i += kBlocks * kBlockPixels) {
+        UInt8* const pixels = to + i * kBytesPer32bit;
+        const UInt8* const samples = from + i * kBytesPerRGB;
+        for (int block = 0; block < kBlocks; ++block) {
+            StoreBlock(pixels + block * kBlockPixels * kBytesPer32bit,
+                       samples + block * kBlockPixels * kBytesPerRGB);
+        }
     }
+    for (; i < count; ++i)
+        StoreWide(to + i * kBytesPer32bit, from + i * kBytesPerRGB);
 }
 
 VORN_CPU_VERSIONS void WideRowFromRGBA(UInt8* to, const UInt8* from, ptrdiff_t count)
