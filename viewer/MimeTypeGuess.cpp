@@ -9,8 +9,6 @@ namespace viewer
 namespace
 {
 
-using std::string_view_literals::operator""sv;
-
 constexpr size_t kTransportPacket = 188;
 constexpr size_t kTransportPacketsWanted = 3;
 constexpr char kTransportSync = 0x47;
@@ -21,13 +19,21 @@ struct Signature {
 };
 
 constexpr Signature kSignatures[] = {
-    {"\x00\x00\x01\xBA"sv, "video/mpeg"}, // a program stream's pack header
-    {"\x00\x00\x01\xB3"sv, "video/mpeg"}, // a video stream's sequence header
-    {"ID3"sv, "audio/mpeg"},
-    {"GIF8"sv, "image/gif"},
-    {"\x89PNG"sv, "image/png"},
-    {"\xFF\xD8\xFF"sv, "image/jpeg"},
+    {"ID3", "audio/mpeg"},
+    {"GIF8", "image/gif"},
+    {"\x89PNG", "image/png"},
+    {"\xFF\xD8\xFF", "image/jpeg"},
 };
+
+// A start code: two zeros or more, a one, and what it starts.
+bool IsMovie(std::string_view bytes)
+{
+    constexpr char kPackHeader = '\xBA';     // of a program stream
+    constexpr char kSequenceHeader = '\xB3'; // of a video stream
+    const size_t one = bytes.find_first_not_of('\0');
+    return one != std::string_view::npos && one >= 2 && one + 1 < bytes.size() && bytes[one] == 1 &&
+           (bytes[one + 1] == kPackHeader || bytes[one + 1] == kSequenceHeader);
+}
 
 bool IsTransportStream(std::string_view bytes)
 {
@@ -72,7 +78,7 @@ std::string GuessMimeType(const UInt8* bytes, size_t count)
     if (known != std::end(kSignatures)) {
         return known->mimeType;
     }
-    if (IsTransportStream(start)) {
+    if (IsMovie(start) || IsTransportStream(start)) {
         return "video/mpeg";
     }
     return IsAudioFrame(start) && !IsText(start) ? "audio/mpeg" : "";

@@ -20,7 +20,9 @@ TEST(MimeTypeGuess, MoviesStartWithAPackOrASequenceHeader)
 {
     EXPECT_EQ(Guess("\0\0\1\xBA rest"s), "video/mpeg");
     EXPECT_EQ(Guess("\0\0\1\xB3 rest"s), "video/mpeg");
+    EXPECT_EQ(Guess("\0\0\0\0\0\1\xB3 rest"s), "video/mpeg"); // filled up
     EXPECT_EQ(Guess("\0\0\1\xAF rest"s), "");
+    EXPECT_EQ(Guess("\0\1\xBA rest"s), "");
     EXPECT_EQ(Guess("\0\0\1"s), "");
 }
 
