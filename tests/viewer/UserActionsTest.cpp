@@ -138,6 +138,7 @@ TEST_F(UserActionsTest, AnObjectThatIsMadeAnewIsPlayedAnew)
     object.Start(*plugins.Folder().Bundles()[0]);
     RunToEnd();
     EXPECT_TRUE(user.PlayNewMovies());
+    EXPECT_FALSE(user.PlayNewMovies());
     EXPECT_EQ(plugins.Count("event a 1 0 41,24"), 2);
     EXPECT_EQ(plugins.Count("event b 1 0 41,132"), 1);
 }
