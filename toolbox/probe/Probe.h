@@ -29,6 +29,7 @@ enum {
     kLiveComponentInstances,
     kLiveFoundationObjects,
     kLivePorts,
+    kLiveGWorlds,
     kLiveRegions,
     kLiveMovies,
     kLiveMovieControllers,

@@ -3,9 +3,10 @@
 
 #include "toolbox/Errors.h"
 #include "toolbox/probe/Announce.h"
+#include "toolbox/quickdraw/PixMaps.h"
 #include "toolbox/threads/ThreadGlobals.h"
 
-#include <cstring>
+#include <memory>
 #include <new>
 
 using toolbox::Announce;
@@ -14,23 +15,8 @@ using toolbox::CurrentThreadGlobals;
 namespace
 {
 
-constexpr SInt32 kBytesPerPixel = 4;
+constexpr int kWindowDepth = 32;
 constexpr SInt32 kRowAlignment = 64;
-constexpr int kWhite = 0xFF;
-
-bool AllocateWhitePixels(CGrafPort& port)
-{
-    const SInt32 width = port.bounds.right - port.bounds.left;
-    const SInt32 height = port.bounds.bottom - port.bounds.top;
-    port.rowBytes = (width * kBytesPerPixel + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
-    const size_t size = static_cast<size_t>(port.rowBytes) * static_cast<size_t>(height);
-    port.pixels.reset(static_cast<UInt8*>(std::aligned_alloc(kRowAlignment, size)));
-    if (port.pixels == nullptr) {
-        return false;
-    }
-    std::memset(port.pixels.get(), kWhite, size);
-    return true;
-}
 
 // A window as wide as all coordinates does not fit its own coordinates from 0 on.
 bool IsWindowRect(const Rect& rect)
@@ -59,8 +45,9 @@ OSErr CreateWindowPort(const Rect* bounds, CGrafPtr* port)
     made->placeOnScreen = {bounds->top, bounds->left};
     made->isWindow = true;
     toolbox::SetArea(made->clip.area, toolbox::kWidestRect);
-    if (!AllocateWhitePixels(*made)) {
-        return memFullErr;
+    if (const OSErr err = toolbox::GivePixels(*made, kWindowDepth, kRowAlignment, nullptr);
+        err != 0) {
+        return err;
     }
     toolbox::CountInLedger(kLivePorts, 1);
     *port = made.release();
@@ -76,6 +63,7 @@ void DisposeWindowPort(CGrafPtr port)
     if (CurrentThreadGlobals().port == port) {
         CurrentThreadGlobals().port = nullptr;
     }
+    toolbox::TakePixels(*port);
     delete port;
     toolbox::CountInLedger(kLivePorts, -1);
 }
@@ -84,19 +72,13 @@ UInt8* GetPortPixels(CGrafPtr port, SInt32* rowBytes)
 {
     Announce("GetPortPixels");
     *rowBytes = port->rowBytes;
-    return port->pixels.get();
+    return port->pixels.Bytes();
 }
 
 Boolean TakeDirtyRegion(CGrafPtr port, RgnHandle region)
 {
     Announce("TakeDirtyRegion");
-    pixman_region32_t& dirty = port->dirty.area;
-    if (region != nullptr) {
-        pixman_region32_copy(&(*region)->area, &dirty);
-    }
-    const bool anything = pixman_region32_not_empty(&dirty) != 0;
-    toolbox::SetArea(dirty, {});
-    return anything;
+    return port->dirty.Take(region == nullptr ? nullptr : &(*region)->area);
 }
 
 void GetPort(CGrafPtr* port)
@@ -122,7 +104,8 @@ void SetGWorld(CGrafPtr port, GDHandle device)
 {
     Announce("SetGWorld");
     CurrentThreadGlobals().port = port;
-    CurrentThreadGlobals().device = device;
+    CurrentThreadGlobals().device =
+        port != nullptr && !port->isWindow ? &port->device.master : device;
 }
 
 Rect* GetPortBounds(CGrafPtr port, Rect* bounds)

@@ -18,6 +18,27 @@ SInt16 WrapSum(SInt16 a, SInt16 b)
         static_cast<UInt16>(static_cast<UInt16>(a) + static_cast<UInt16>(b)));
 }
 
+// One direction of MapRect. Rounds to the nearest; halves away from the edge that is mapped.
+struct Mapping {
+    SInt16 from;
+    SInt16 fromEnd;
+    SInt16 to;
+    SInt16 toEnd;
+
+    SInt16 Map(SInt16 coordinate) const
+    {
+        const SInt64 fromSize = SInt64{fromEnd} - from;
+        const SInt64 toSize = SInt64{toEnd} - to;
+        const SInt64 distance = SInt64{coordinate} - from;
+        if (fromSize == 0 || fromSize == toSize) {
+            return static_cast<SInt16>(to + distance); // only moved
+        }
+        const SInt64 product = distance * toSize;
+        const SInt64 half = (product < 0) == (fromSize < 0) ? fromSize / 2 : -(fromSize / 2);
+        return static_cast<SInt16>(to + (product + half) / fromSize);
+    }
+};
+
 RgnHandle MakeRegion()
 {
     std::unique_ptr<MacRegion> region(new (std::nothrow) MacRegion);
@@ -80,6 +101,15 @@ Boolean EqualRect(const Rect* a, const Rect* b)
 {
     Announce("EqualRect");
     return a->top == b->top && a->left == b->left && a->bottom == b->bottom && a->right == b->right;
+}
+
+void MapRect(Rect* rect, const Rect* from, const Rect* to)
+{
+    Announce("MapRect");
+    const toolbox::Mapping rows = {from->top, from->bottom, to->top, to->bottom};
+    const toolbox::Mapping columns = {from->left, from->right, to->left, to->right};
+    *rect = {rows.Map(rect->top), columns.Map(rect->left), rows.Map(rect->bottom),
+             columns.Map(rect->right)};
 }
 
 RgnHandle NewRgn()

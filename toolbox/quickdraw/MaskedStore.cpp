@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "toolbox/quickdraw/MaskedStore.h"
+
+#include "toolbox/CpuVersions.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace toolbox
+{
+namespace
+{
+
+constexpr Color kWhite = 0xFFFFFF;
+
+// The bits of 8 pixels, the first one highest; those from `count` on are clear.
+inline UInt32 EightBits(const UInt8* mask, int column, int count)
+{
+    const UInt8* const byte = mask + column / 8;
+    const int shift = column % 8;
+    UInt32 bits = static_cast<UInt32>(*byte) << shift;
+    if (shift + count > 8) {
+        bits |= static_cast<UInt32>(byte[1]) >> (8 - shift);
+    }
+    return bits & 0xFF & ~(0xFFU >> std::min(count, 8));
+}
+
+template <typename Pixel>
+inline void SelectEight(const UInt8* from, UInt8* to, UInt32 bits)
+{
+    Pixel source[8];
+    Pixel target[8];
+    std::memcpy(source, from, sizeof source);
+    std::memcpy(target, to, sizeof target);
+    for (unsigned i = 0; i < 8; ++i) {
+        const auto selected = static_cast<Pixel>(-static_cast<SInt32>(bits >> (7 - i) & 1));
+        target[i] = static_cast<Pixel>((source[i] & selected) | (target[i] & ~selected));
+    }
+    std::memcpy(to, target, sizeof target);
+}
+
+template <typename Pixel>
+inline void SelectFew(const UInt8* from, UInt8* to, UInt32 bits)
+{
+    for (int i = 0; bits != 0; ++i, bits = bits << 1 & 0xFF) {
+        if ((bits & 0x80) != 0) {
+            std::memcpy(to + i * ptrdiff_t{sizeof(Pixel)}, from + i * ptrdiff_t{sizeof(Pixel)},
+                        sizeof(Pixel));
+        }
+    }
+}
+
+template <typename Pixel>
+inline void CopyMasked(const UInt8* from, UInt8* to, int count, const UInt8* mask, int maskColumn)
+{
+    constexpr ptrdiff_t kStep = 8 * sizeof(Pixel);
+    for (; count >= 8; count -= 8, maskColumn += 8, from += kStep, to += kStep) {
+        const UInt32 bits = EightBits(mask, maskColumn, 8);
+        if (bits == 0xFF) {
+            std::memcpy(to, from, kStep);
+        } else if (bits != 0) {
+            SelectEight<Pixel>(from, to, bits);
+        }
+    }
+    if (count > 0) {
+        SelectFew<Pixel>(from, to, EightBits(mask, maskColumn, count));
+    }
+}
+
+VORN_CPU_VERSIONS void CopyMasked32(const UInt8* from, UInt8* to, int count, const UInt8* mask,
+                                    int maskColumn)
+{
+    CopyMasked<UInt32>(from, to, count, mask, maskColumn);
+}
+
+VORN_CPU_VERSIONS void CopyMasked16(const UInt8* from, UInt8* to, int count, const UInt8* mask,
+                                    int maskColumn)
+{
+    CopyMasked<UInt16>(from, to, count, mask, maskColumn);
+}
+
+VORN_CPU_VERSIONS void CopyMasked8(const UInt8* from, UInt8* to, int count, const UInt8* mask,
+                                   int maskColumn)
+{
+    CopyMasked<UInt8>(from, to, count, mask, maskColumn);
+}
+
+} // namespace
+
+void CopyMaskedPixels(const UInt8* from, UInt8* to, int depth, int count, const UInt8* mask,
+                      int maskColumn)
+{
+    (depth == 32   ? CopyMasked32
+     : depth == 16 ? CopyMasked16
+                   : CopyMasked8)(from, to, count, mask, maskColumn);
+}
+
+void CopyMaskedRow(const UInt8* from, UInt8* to, int depth, int column, int count,
+                   const UInt8* mask, int maskColumn)
+{
+    if (depth >= 8) {
+        const ptrdiff_t offset = ptrdiff_t{column} * (depth / 8);
+        CopyMaskedPixels(from + offset, to + offset, depth, count, mask, maskColumn);
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        const int maskBit = maskColumn + i;
+        if ((mask[maskBit / 8] << (maskBit % 8) & 0x80) != 0) {
+            const int bit = (column + i) * depth;
+            const int field = ((1 << depth) - 1) << (8 - depth - bit % 8);
+            to[bit / 8] = static_cast<UInt8>((to[bit / 8] & ~field) | (from[bit / 8] & field));
+        }
+    }
+}
+
+void MaskOfNonWhite(const Color* deepMask, int count, UInt8* mask)
+{
+    for (int i = 0; i < count; i += 8) {
+        UInt32 bits = 0;
+        for (int pixel = i; pixel < std::min(count, i + 8); ++pixel) {
+            bits |= (deepMask[pixel] == kWhite ? 0U : 0x80U) >> (pixel - i);
+        }
+        mask[i / 8] = static_cast<UInt8>(bits);
+    }
+}
+
+} // namespace toolbox

@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: MIT
+#include "toolbox/quickdraw/PixelSpans.h"
+
+#include "toolbox/CpuVersions.h"
+#include "toolbox/quickdraw/Dither.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+
+namespace toolbox
+{
+namespace
+{
+
+// Words stand in memory with their high byte first.
+inline UInt16 BigEndian(UInt16 word)
+{
+    return std::endian::native == std::endian::big ? word : __builtin_bswap16(word);
+}
+
+inline UInt32 BigEndian(UInt32 word)
+{
+    return std::endian::native == std::endian::big ? word : __builtin_bswap32(word);
+}
+
+template <typename Word>
+inline Word Load(const UInt8* from)
+{
+    Word word;
+    std::memcpy(&word, from, sizeof word);
+    return BigEndian(word);
+}
+
+template <typename Word>
+inline void Store(UInt8* to, Word word)
+{
+    word = BigEndian(word);
+    std::memcpy(to, &word, sizeof word);
+}
+
+inline Color ColorFrom555(UInt32 pixel)
+{
+    const UInt32 high = (pixel & 0x7C00) << 9 | (pixel & 0x03E0) << 6 | (pixel & 0x001F) << 3;
+    return high | (high >> 5 & 0x070707);
+}
+
+inline UInt16 Truncated555(Color color)
+{
+    return static_cast<UInt16>((color >> 9 & 0x7C00) | (color >> 6 & 0x03E0) |
+                               (color >> 3 & 0x001F));
+}
+
+VORN_CPU_VERSIONS void Fetch32(const UInt8* from, int count, Color* colors)
+{
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        colors[i] = Load<UInt32>(from + 4 * i) & 0xFFFFFF;
+    }
+}
+
+VORN_CPU_VERSIONS void Fetch16(const UInt8* from, int count, Color* colors)
+{
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        colors[i] = ColorFrom555(Load<UInt16>(from + 2 * i));
+    }
+}
+
+VORN_CPU_VERSIONS void Store32(UInt8* to, int count, const Color* colors)
+{
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        Store<UInt32>(to + 4 * i, colors[i]);
+    }
+}
+
+VORN_CPU_VERSIONS void Store16(UInt8* to, int count, const Color* colors)
+{
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        Store<UInt16>(to + 2 * i, Truncated555(colors[i]));
+    }
+}
+
+VORN_CPU_VERSIONS void StoreDithered16(UInt8* to, int count, const Color* colors,
+                                       const DitherRow<UInt16>& biases, int h)
+{
+    const UInt16* const bias = biases.data() + (h & (kDitherSize - 1));
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        Store<UInt16>(to + 2 * i, Dithered555(colors[i], bias[i & (kDitherSize - 1)]));
+    }
+}
+
+void FetchIndices(const UInt8* row, int depth, int column, int count, const Color* palette,
+                  Color* colors)
+{
+    if (depth == 8) {
+        for (ptrdiff_t i = 0; i < count; ++i) {
+            colors[i] = palette[row[column + i]];
+        }
+        return;
+    }
+    const int mask = (1 << depth) - 1;
+    for (int i = 0; i < count; ++i) {
+        const int bit = (column + i) * depth;
+        colors[i] = palette[row[bit / 8] >> (8 - depth - bit % 8) & mask];
+    }
+}
+
+} // namespace
+
+void FetchSpan(const UInt8* row, int depth, int column, int count, const Palette* palette,
+               Color* colors)
+{
+    if (depth == 32) {
+        Fetch32(row + ptrdiff_t{column} * 4, count, colors);
+    } else if (depth == 16) {
+        Fetch16(row + ptrdiff_t{column} * 2, count, colors);
+    } else {
+        FetchIndices(row, depth, column, count, palette->colors.data(), colors);
+    }
+}
+
+void StoreIndices(UInt8* row, int depth, int column, int count, const UInt8* values)
+{
+    if (depth == 8) {
+        std::memcpy(row + column, values, static_cast<size_t>(count));
+        return;
+    }
+    const int mask = (1 << depth) - 1;
+    for (int i = 0; i < count; ++i) {
+        const int bit = (column + i) * depth;
+        const int shift = 8 - depth - bit % 8;
+        UInt8& byte = row[bit / 8];
+        byte = static_cast<UInt8>((byte & ~(mask << shift)) | values[i] << shift);
+    }
+}
+
+void StoreSpan(UInt8* row, int depth, int column, int count, const Color* colors,
+               ColorSearch* search)
+{
+    if (depth == 32) {
+        Store32(row + ptrdiff_t{column} * 4, count, colors);
+    } else if (depth == 16) {
+        Store16(row + ptrdiff_t{column} * 2, count, colors);
+    } else {
+        std::array<UInt8, kSpan> values;
+        for (size_t i = 0; i < static_cast<size_t>(count); ++i) {
+            values[i] = search->Nearest(colors[i]);
+        }
+        StoreIndices(row, depth, column, count, values.data());
+    }
+}
+
+void StoreDitheredSpan(UInt8* row, int depth, int column, int count, const Color* colors,
+                       ColorSearch* search, int v, int h)
+{
+    if (depth == 16) {
+        StoreDithered16(row + ptrdiff_t{column} * 2, count, colors, DitherBiases(v), h);
+        return;
+    }
+    std::array<UInt8, kSpan> values;
+    for (int i = 0; i < count; ++i) {
+        values[static_cast<size_t>(i)] = DitheredIndex(colors[i], *search, v, h + i);
+    }
+    StoreIndices(row, depth, column, count, values.data());
+}
+
+void FillSpan(UInt8* row, int depth, int column, int count, UInt32 pixel)
+{
+    if (depth >= 16) {
+        for (ptrdiff_t i = column; i < ptrdiff_t{column} + count; ++i) {
+            if (depth == 32) {
+                Store<UInt32>(row + 4 * i, pixel);
+            } else {
+                Store<UInt16>(row + 2 * i, static_cast<UInt16>(pixel));
+            }
+        }
+        return;
+    }
+    std::array<UInt8, kSpan> values;
+    values.fill(static_cast<UInt8>(pixel));
+    for (int done = 0; done < count; done += kSpan) {
+        StoreIndices(row, depth, column + done, std::min(kSpan, count - done), values.data());
+    }
+}
+
+VORN_CPU_VERSIONS void Widen16To32(const UInt8* from, UInt8* to, int count)
+{
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        Store<UInt32>(to + 4 * i, ColorFrom555(Load<UInt16>(from + 2 * i)));
+    }
+}
+
+} // namespace toolbox

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+//
+// The colours that a map gives for the pixels of a target, scaled and tinted as the copy asks.
+#pragma once
+
+#include "toolbox/quickdraw/PixelView.h"
+#include "toolbox/quickdraw/Scaling.h"
+
+#include <optional>
+
+namespace toolbox
+{
+
+// What black and white of the source become.
+struct Tint {
+    Color black = 0x000000;
+    Color white = 0xFFFFFF;
+
+    bool IsNone() const { return black == 0x000000 && white == 0xFFFFFF; }
+};
+
+// Memory of a scaled copy, to be used again by the next one.
+struct ScalingScratch {
+    std::vector<SourceRange> columns;
+    std::vector<Color> fetched;
+    std::vector<Color> made;
+    std::vector<float> sums;
+};
+
+class SpanReader
+{
+public:
+    // `from` of the map stands at `to` of the target. Neither may be empty. All arguments must
+    // outlive the reader.
+    SpanReader(const PixelView& view, const Rect& from, const Rect& to, const Tint& tint,
+               ScalingScratch& scratch);
+
+    bool IsScaled() const { return rows_.IsScaled() || columns_.IsScaled(); }
+    // Of an indexed map, tinted; else null.
+    const Palette* Colors() const { return palette_ ? &*palette_ : nullptr; }
+    // The part of `box`, in the target's coordinates, for which the map has pixels.
+    Rect Reachable(const Rect& box) const;
+    // Says that the spans to come lie in `box`, which must be reachable. May throw std::bad_alloc.
+    void Prepare(const Rect& box);
+    // The colours for `count` pixels, at most kSpan, from (v, h) on.
+    void Read(int v, int h, int count, Color* colors);
+    // Where the pixel for (v, h) stands in an unscaled map.
+    const UInt8* Row(int v) const { return view_.Row(v - rows_.to + rows_.from); }
+    int Column(int h) const { return view_.Column(h - columns_.to + columns_.from); }
+
+private:
+    void Fetch(int row, int column, int count, Color* colors) const;
+    void MakeRow(int v);
+    void SumRows(const SourceRange& rows);
+    void FetchNearestRow(int row);
+
+    static constexpr int kNoRow = INT32_MIN;
+    const PixelView& view_;
+    Axis rows_;
+    Axis columns_;
+    const Tint& tint_;
+    std::optional<Palette> palette_;
+    ScalingScratch& scratch_;
+    Rect box_{};          // the target's part being made …
+    int firstColumn_ = 0; // … which needs these columns of the source
+    int columnCount_ = 0;
+    int madeRow_ = kNoRow;    // the target's row in scratch_.made
+    int fetchedRow_ = kNoRow; // the source's row in scratch_.fetched
+};
+
+} // namespace toolbox
