@@ -335,21 +335,14 @@ static void WritePicture(const char* path)
     printf("page written to %s\n", path);
 }
 
-/* A shell's completion ends a folder's name with a slash. */
-static void CutSlashes(char* path)
-{
-    size_t length = strlen(path);
-    while (length > 1 && path[length - 1] == '/')
-        path[--length] = '\0';
-}
-
 int main(int argc, char** argv)
 {
     if (argc != 4) {
         fprintf(stderr, "usage: minimal_host BUNDLE OBJECT PICTURE.ppm\n");
         return 2;
     }
-    CutSlashes(argv[1]);
+    for (size_t end = strlen(argv[1]); end > 1 && argv[1][end - 1] == '/';)
+        argv[1][--end] = '\0'; /* as a shell completes a folder's name */
     OpenBundle(argv[1]);
     OpenFile(argv[2]);
     if (CreateWindowPort(&pageRect, &window) != noErr)
