@@ -30,7 +30,7 @@ EmbeddedObject::EmbeddedObject(ObjectDescription description, std::unique_ptr<Ob
 
 void EmbeddedObject::LearnType(const PluginFolder& plugins)
 {
-    if (description_.typeIsGiven) {
+    if (std::exchange(description_.typeIsKnown, true)) {
         return;
     }
     std::array<UInt8, kBytesForTypeCheck> start{};

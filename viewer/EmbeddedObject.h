@@ -31,6 +31,7 @@ public:
     enum class State { kWaiting, kDecoding, kDecoded, kGivenUp };
     State CurrentState() const { return state_; }
     // Takes the type that its first bytes tell of, unless the user gave one or they tell of none.
+    // To be called when they are there; asks them once.
     void LearnType(const PluginFolder& plugins);
     // Asks a bundle whether it can show the object, by its first bytes.
     bool IsAcceptedBy(const PluginBundle& bundle);

@@ -14,7 +14,7 @@ struct ObjectDescription {
     std::string fileName; // for the plug-in
     ObjectType type;
     UInt32 displayFlags = 0;
-    bool typeIsGiven = false; // by the user: the first bytes are not asked
+    bool typeIsKnown = false; // given by the user or told by the first bytes
 };
 
 } // namespace viewer

@@ -19,7 +19,7 @@ ObjectDescription Describe(const ObjectRequest& request, const PluginFolder& plu
     description.name = request.location;
     description.fileName = FileNameOf(request.location);
     description.type = plugins.TypeOf(description.fileName, request.mimeType);
-    description.typeIsGiven = !request.mimeType.empty();
+    description.typeIsKnown = !request.mimeType.empty();
     description.displayFlags = request.displayFlags;
     return description;
 }

@@ -36,7 +36,7 @@ protected:
         viewer::ObjectDescription description{name, name, viewer::ObjectType{"video/x-fake"}, 0x1F};
         if (!givenType.empty()) {
             description.type.mimeType = givenType;
-            description.typeIsGiven = true;
+            description.typeIsKnown = true;
         }
         object = std::make_unique<EmbeddedObject>(
             description, std::make_unique<ObjectBytes>(
@@ -118,6 +118,15 @@ TEST_F(EmbeddedObjectTest, BytesThatTellNothingLeaveTheTypeOfTheName)
 {
     Make("a.fake");
     Send("some bytes");
+    object->LearnType(plugins.Folder());
+    EXPECT_EQ(object->Report().type, "video/x-fake");
+}
+
+TEST_F(EmbeddedObjectTest, TheBytesAreAskedOnce)
+{
+    Make("a.fake");
+    object->LearnType(plugins.Folder());
+    Send("GIF89a");
     object->LearnType(plugins.Folder());
     EXPECT_EQ(object->Report().type, "video/x-fake");
 }
