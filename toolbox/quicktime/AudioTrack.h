@@ -43,6 +43,8 @@ public:
     const std::vector<SInt16>& TakeUpTo(Nanoseconds time, int volume);
     int SampleRate() const { return sampleRate_; }
     int Channels() const { return channels_; }
+    // After Flush, before anything is decoded: where to begin instead.
+    void BeginAt(Nanoseconds start) { notBefore_ = start; }
     // Forgets everything, before packets from elsewhere come; sound before `start` is not played.
     void Flush(Nanoseconds start);
 

@@ -149,18 +149,18 @@ void MovieRecord::Dispatch(AVPacket& packet, const AVStream& stream)
         timeline_ = TimelineFor(kind, begin_);
         hasTimeline_ = true;
     }
-    const int index = packet.stream_index;
+    const int id = stream.id;
     timeline_.Place(packet, stream);
-    if (type == AVMEDIA_TYPE_VIDEO && videoStream_ < 0) {
+    if (type == AVMEDIA_TYPE_VIDEO && !videoId_) {
         video_ = VideoTrack::Create(stream, packet, kind != StreamKind::kVideo, begin_.time);
-        videoStream_ = video_ ? index : -1;
-    } else if (type == AVMEDIA_TYPE_AUDIO && audioStream_ < 0) {
+        videoId_ = video_ ? std::optional(id) : std::nullopt;
+    } else if (type == AVMEDIA_TYPE_AUDIO && !audioId_) {
         audio_ = AudioTrack::Create(stream, packet);
-        audioStream_ = audio_ ? index : -1;
+        audioId_ = audio_ ? std::optional(id) : std::nullopt;
     }
-    if (video_ && index == videoStream_) {
+    if (video_ && type == AVMEDIA_TYPE_VIDEO && id == videoId_) {
         video_->Add(packet);
-    } else if (audio_ && index == audioStream_) {
+    } else if (audio_ && type == AVMEDIA_TYPE_AUDIO && id == audioId_) {
         audio_->Add(packet);
     }
 }
@@ -204,6 +204,7 @@ void MovieRecord::BecomePlayable()
     }
     beginning_ = isSoundAlone ? audio_->Start() : timeline_.First();
     time_ = beginning_;
+    opened_ = play_->Start().start;
 }
 
 void MovieRecord::Fail(OSErr status)
@@ -230,6 +231,9 @@ SInt32 MovieRecord::LoadState() const
 
 MovieRecord::Nanoseconds MovieRecord::LoadedDuration() const
 {
+    if (index_->IsComplete() && playedEnd_ != kNoTime) {
+        return playedEnd_ - beginning_;
+    }
     const Nanoseconds end = index_->End();
     return end == kNoTime ? 0 : end - index_->Start();
 }

@@ -11,6 +11,8 @@
 #include "toolbox/quicktime/VideoTrack.h"
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 // Times inside are those of the time line (toolbox/quicktime/Timeline.h); the movie's own time
 // zero is Beginning() on it.
@@ -105,7 +107,9 @@ private:
     SInt64 NextTimeOfPlaying(SInt64 now) const;
     void Anchor(Nanoseconds time);
     void CloseSound();
+    std::vector<UInt8> PrologueFor(const toolbox::Sniffed& start) const;
     void Restart(const toolbox::KeySample& key);
+    bool PrepareNextPicture();
     void ShowPictureAt(Nanoseconds time);
     void SkipSoundUpTo(Nanoseconds time);
     void DrawIfNew();
@@ -116,11 +120,14 @@ private:
     std::unique_ptr<toolbox::MovieStream> play_;
     toolbox::Timeline timeline_;
     bool hasTimeline_ = false;
-    toolbox::KeySample begin_; // where play_ began
+    toolbox::ReadPlace begin_; // where play_ began
+    SInt64 opened_ = 0;        // where the movie's data begins
     std::unique_ptr<toolbox::VideoTrack> video_;
     std::unique_ptr<toolbox::AudioTrack> audio_;
-    int videoStream_ = -1;
-    int audioStream_ = -1;
+    // Their streams' numbers in the data; places in libavformat's list differ from reading to
+    // reading.
+    std::optional<int> videoId_;
+    std::optional<int> audioId_;
     bool dataEnded_ = false;  // play_ has no more packets
     bool outOfBytes_ = false; // play_ waits
 
@@ -139,7 +146,8 @@ private:
     bool isPlaying_ = false;
     bool isHeldUp_ = false;
     bool isAtEnd_ = false;
-    void* sound_ = nullptr; // the sink's stream
+    Nanoseconds playedEnd_ = kNoTime; // where playing ended, nothing being left
+    void* sound_ = nullptr;           // the sink's stream
     bool isSoundOpen_ = false;
     int volume_ = 256;
 

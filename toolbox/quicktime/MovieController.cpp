@@ -22,6 +22,7 @@ constexpr RGBColor kLoadedColor = {0x8888, 0xAAAA, 0xDDDD};
 constexpr RGBColor kThumbColor = {0x3333, 0x5555, 0x9999};
 constexpr SInt16 kBarOfSoundWidth = 240; // a movie without pictures has only a bar
 constexpr int kFullVolume = 256;
+constexpr int kPlaySymbolWidth = 8;
 constexpr int kVolumeStep = 32;
 
 bool Contains(const Rect& rect, Point at)
@@ -48,21 +49,23 @@ ControllerLayout::ControllerLayout(const Rect& bounds)
     picture.bottom = static_cast<SInt16>(std::max<int>(bounds.top, bounds.bottom - kBarHeight));
     bar = bounds;
     bar.top = picture.bottom;
+    const int width = bar.right - bar.left;
     int left = bar.left;
-    const auto nextButton = [&] {
-        const int right = std::min<int>(left + kButtonWidth, bar.right);
-        const Rect button = MakeRect(bar.top, left, bar.bottom, right);
+    const auto next = [&](int partWidth) {
+        const int right = std::min<int>(left + partWidth, bar.right);
+        const Rect part = MakeRect(bar.top, left, bar.bottom, right);
         left = right;
-        return button;
+        return part;
     };
-    volume = nextButton();
-    play = nextButton();
-    const bool hasSteps = bar.right - left >= 4 * kButtonWidth;
-    const int sliderRight = hasSteps ? bar.right - 2 * kButtonWidth : bar.right;
-    slider = MakeRect(bar.top, left, bar.bottom, std::max(left, sliderRight));
-    left = slider.right;
-    stepBack = nextButton();
-    stepForward = nextButton();
+    const bool hasVolume = width >= 2 * kButtonWidth;
+    const bool hasSlider = width >= 2 * kButtonWidth + kLeastSliderWidth;
+    const bool hasSteps = width >= 6 * kButtonWidth;
+    const int stepsWidth = hasSteps ? 2 * kButtonWidth : 0;
+    volume = next(hasVolume ? kButtonWidth : 0);
+    play = next(kButtonWidth);
+    slider = next(hasSlider ? bar.right - left - stepsWidth : 0);
+    stepBack = next(hasSteps ? kButtonWidth : 0);
+    stepForward = next(hasSteps ? kButtonWidth : 0);
 }
 
 SInt16 ControllerLayout::ThumbAt(double share) const
@@ -84,8 +87,11 @@ MovieControllerRecord::MovieControllerRecord(Movie movie, const Rect& box)
     : movie_(movie), layout_(box)
 {
     Rect bounds = box;
-    if (IsEmpty(bounds)) {
+    if (bounds.right <= bounds.left) {
         bounds.right = static_cast<SInt16>(bounds.left + kBarOfSoundWidth);
+        bounds.bottom = bounds.top;
+    }
+    if (bounds.bottom < bounds.top) {
         bounds.bottom = bounds.top;
     }
     bounds.bottom = static_cast<SInt16>(bounds.bottom + ControllerLayout::kBarHeight);
@@ -160,6 +166,9 @@ void MovieControllerRecord::DrawBar(const Face& face)
 void MovieControllerRecord::DrawVolume(const Face& face, CGrafPort& port)
 {
     const Rect& box = layout_.volume;
+    if (IsEmpty(box)) {
+        return;
+    }
     const RgnHandle clip = movie_->Clip();
     PaintRect(port, MakeRect(box.top + 7, box.left + 3, box.top + 10, box.left + 5), kSymbolColor,
               clip);
@@ -177,19 +186,23 @@ void MovieControllerRecord::DrawPlay(const Face& face, CGrafPort& port)
 {
     const Rect& box = layout_.play;
     const RgnHandle clip = movie_->Clip();
+    // In the middle of a whole button; of less, as much as there is room for.
+    const int left = box.left + std::max(0, box.right - box.left - kPlaySymbolWidth) / 2;
+    const auto paint = [&](int top, int from, int bottom, int to) {
+        const Rect part = MakeRect(box.top + top, left + from, box.top + bottom,
+                                   std::min<int>(left + to, box.right));
+        if (!IsEmpty(part)) {
+            PaintRect(port, part, kSymbolColor, clip);
+        }
+    };
     if (face.isPlaying) {
-        PaintRect(port, MakeRect(box.top + 4, box.left + 4, box.top + 13, box.left + 7),
-                  kSymbolColor, clip);
-        PaintRect(port, MakeRect(box.top + 4, box.left + 9, box.top + 13, box.left + 12),
-                  kSymbolColor, clip);
+        paint(4, 0, 13, 3);
+        paint(4, 5, 13, 8);
         return;
     }
-    for (int i = 0; i < 8; ++i) {
-        const int half = (8 - i) / 2;
-        PaintRect(
-            port,
-            MakeRect(box.top + 8 - half, box.left + 4 + i, box.top + 9 + half, box.left + 5 + i),
-            kSymbolColor, clip);
+    for (int i = 0; i < kPlaySymbolWidth; ++i) {
+        const int half = (kPlaySymbolWidth - i) / 2;
+        paint(8 - half, i, 9 + half, i + 1);
     }
 }
 
@@ -197,7 +210,7 @@ void MovieControllerRecord::DrawSlider(const Face& face, CGrafPort& port)
 {
     const Rect& box = layout_.slider;
     const RgnHandle clip = movie_->Clip();
-    if (box.right - box.left <= ControllerLayout::kThumbWidth) {
+    if (IsEmpty(box)) {
         return;
     }
     const Rect trough = MakeRect(box.top + 6, box.left + 1, box.top + 11, box.right - 1);
@@ -216,7 +229,7 @@ void MovieControllerRecord::DrawSlider(const Face& face, CGrafPort& port)
 
 void MovieControllerRecord::DrawStep(const Rect& box, bool isForward, CGrafPort& port)
 {
-    if (box.right - box.left < ControllerLayout::kButtonWidth) {
+    if (IsEmpty(box)) {
         return;
     }
     const RgnHandle clip = movie_->Clip();

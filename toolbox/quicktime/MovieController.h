@@ -9,11 +9,13 @@
 
 #include <optional>
 
-// Where the parts of the bar are. On a narrow bar the ones on the right give way first.
+// Where the parts of the bar are. A part for which a narrow bar has no room is empty: first the
+// steps give way, then the slider, then the volume; play is always there.
 struct ControllerLayout {
     static constexpr SInt16 kBarHeight = 16;
     static constexpr SInt16 kButtonWidth = 16;
     static constexpr SInt16 kThumbWidth = 8;
+    static constexpr SInt16 kLeastSliderWidth = 3 * kThumbWidth;
 
     explicit ControllerLayout(const Rect& bounds);
     // The thumb's left edge for a share of the movie between 0 and 1, and the share for a place.

@@ -2,6 +2,7 @@
 #include "toolbox/quicktime/MovieIndex.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace toolbox
 {
@@ -12,6 +13,8 @@ namespace
 constexpr Nanoseconds kSoundKeyDistance = kSecond / 4;
 // Layer III frames need the bytes of up to nine frames before them.
 constexpr Nanoseconds kSoundRunUp = kSecond / 2;
+// Sound that has been away for this long is not looked for by reading from its end on.
+constexpr Nanoseconds kLostSound = 3 * kSecond;
 constexpr int kSkipSamplesSize = 10; // libavcodec's side data: u32 start, u32 end, two reasons
 
 UInt32 LittleEndian32(const UInt8* p)
@@ -19,9 +22,24 @@ UInt32 LittleEndian32(const UInt8* p)
     return FOUR_CHARS(p[3], p[2], p[1], p[0]);
 }
 
+Nanoseconds TimeOf(const AVPacket& packet)
+{
+    return packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
+}
+
+// The last of `places` whose time is not behind `time`; null if all are.
+template <class Place>
+const Place* LastUpTo(const std::vector<Place>& places, Nanoseconds time)
+{
+    const auto after = std::upper_bound(
+        places.begin(), places.end(), time,
+        [](Nanoseconds wanted, const Place& place) { return wanted < place.time; });
+    return after == places.begin() ? nullptr : &*(after - 1);
+}
+
 } // namespace
 
-Timeline TimelineFor(StreamKind kind, const KeySample& begin)
+Timeline TimelineFor(StreamKind kind, const ReadPlace& begin)
 {
     const Timeline::Clock clock = kind == StreamKind::kVideo   ? Timeline::Clock::kPictures
                                   : kind == StreamKind::kAudio ? Timeline::Clock::kSound
@@ -38,6 +56,9 @@ void MovieIndex::TakeIn(SInt64 bytes)
         const MovieStream::Step step = stream_.Advance();
         isWaiting_ = step == MovieStream::Step::kWaiting;
         isComplete_ = step == MovieStream::Step::kEnded || step == MovieStream::Step::kFailed;
+        if (isComplete_) {
+            TakeNewKey();
+        }
         if (step != MovieStream::Step::kPacket) {
             return;
         }
@@ -63,32 +84,100 @@ void MovieIndex::Note(AVPacket& packet)
     }
     NoteTrimmedSound(packet, stream.codecpar->sample_rate);
     timeline_.Place(packet, stream);
-    if (packet.pos >= 0 && IsKey(packet, stream)) {
-        const SInt64 time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
-        keys_.push_back(
-            {time, stream_.Start().start + packet.pos, timeline_.OffsetOf(packet.stream_index)});
+    int& chosen = type == AVMEDIA_TYPE_VIDEO ? pictureStream_ : soundStream_;
+    if (chosen < 0) {
+        chosen = packet.stream_index;
+    }
+    if (packet.stream_index == pictureStream_) {
+        NotePicture(packet, stream.codecpar->codec_id);
+    } else if (packet.stream_index == soundStream_) {
+        NoteSound(packet);
     }
 }
 
-// Pictures decide where decoding can begin; sound does as long as there are none.
-bool MovieIndex::IsKey(const AVPacket& packet, const AVStream& stream)
+void MovieIndex::NotePicture(const AVPacket& packet, AVCodecID codec)
 {
-    const bool isPicture = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
-    const SInt64 time = packet.pts != AV_NOPTS_VALUE ? packet.pts : packet.dts;
-    if ((packet.flags & AV_PKT_FLAG_KEY) == 0 || time == AV_NOPTS_VALUE) {
-        return false;
+    const PictureCoding coding = CodingOf(packet, codec);
+    if (coding == PictureCoding::kNone) {
+        return;
     }
-    if (isPicture && !keysArePictures_) {
-        keys_.clear();
-        keysArePictures_ = true;
-        keyStream_ = packet.stream_index;
-    } else if (keyStream_ < 0) {
-        keyStream_ = packet.stream_index;
+    if (coding == PictureCoding::kBidirectional) {
+        NoteLeading(packet);
+    } else {
+        group_ = Group::kBehindLeading;
+        TakeNewKey();
     }
-    if (packet.stream_index != keyStream_) {
-        return false;
+    if (coding == PictureCoding::kIntra) {
+        NoteKey(packet, codec);
     }
-    return isPicture || keys_.empty() || time >= keys_.back().time + kSoundKeyDistance;
+    if (packet.pos >= 0) {
+        lastPicture_ = PlaceOf(packet, TimeOf(packet));
+    }
+    ++pictures_;
+}
+
+// Decoding begins with the first picture anyhow. For others reading begins with the picture
+// before, so that the demultiplexer is in step when the key comes.
+void MovieIndex::NoteKey(const AVPacket& packet, AVCodecID codec)
+{
+    const auto header = SequenceHeaderOf(packet, codec);
+    if (!header.empty() &&
+        (!header_ || !std::equal(header.begin(), header.end(), header_->begin(), header_->end()))) {
+        header_ = std::make_shared<const std::vector<UInt8>>(header.begin(), header.end());
+    }
+    if (!std::exchange(hasFirstKey_, true)) {
+        group_ = BeginsClosedGroup(packet, codec) ? Group::kBehindLeading : Group::kFirstOpen;
+        return;
+    }
+    const bool hasTime = !HasStamps() || packet.pts != AV_NOPTS_VALUE;
+    if (lastPicture_ && hasTime) {
+        const Nanoseconds time = HasStamps() ? packet.pts : packet.dts - neverShown_;
+        newKey_ = KeySample{
+            time, *lastPicture_,
+            KeyPicture{PacketMark(packet), pictures_, header.empty() ? header_ : nullptr}, false};
+    }
+}
+
+// A picture shown before the key one that it comes behind: counted times are in coding order.
+void MovieIndex::NoteLeading(const AVPacket& packet)
+{
+    if (HasStamps()) {
+        return;
+    }
+    if (group_ == Group::kFirstOpen) {
+        neverShown_ += packet.duration;
+    } else if (newKey_) {
+        newKey_->time += packet.duration;
+    }
+}
+
+void MovieIndex::TakeNewKey()
+{
+    if (newKey_) {
+        keys_.push_back(*newKey_);
+        newKey_.reset();
+    }
+}
+
+void MovieIndex::NoteSound(const AVPacket& packet)
+{
+    const Nanoseconds time = TimeOf(packet);
+    const bool isFarEnough = sounds_.empty() || time >= sounds_.back().time + kSoundKeyDistance;
+    if (packet.pos >= 0 && time != AV_NOPTS_VALUE && isFarEnough) {
+        sounds_.push_back(PlaceOf(packet, time));
+    }
+}
+
+ReadPlace MovieIndex::PlaceOf(const AVPacket& packet, Nanoseconds time) const
+{
+    return {stream_.Start().start + packet.pos, time, timeline_.OffsetOf(packet.stream_index),
+            pictures_};
+}
+
+bool MovieIndex::HasStamps() const
+{
+    const StreamKind kind = stream_.Start().kind;
+    return kind == StreamKind::kProgramStream || kind == StreamKind::kTransportStream;
 }
 
 void MovieIndex::NoteTrimmedSound(const AVPacket& packet, int sampleRate)
@@ -120,16 +209,24 @@ Nanoseconds MovieIndex::AnnouncedLength(SInt32 fileSize) const
     return av_rescale(End() - Start(), fileSize, taken);
 }
 
-const KeySample* MovieIndex::FindKey(Nanoseconds time) const
+KeySample MovieIndex::FindKey(Nanoseconds time) const
 {
-    const Nanoseconds latest = keysArePictures_ ? time : time - kSoundRunUp;
-    const auto after = std::upper_bound(
-        keys_.begin(), keys_.end(), latest,
-        [](Nanoseconds wanted, const KeySample& key) { return wanted < key.time; });
-    if (keys_.empty()) {
-        return nullptr;
+    const ReadPlace* const sound = LastUpTo(sounds_, time - kSoundRunUp);
+    if (!hasFirstKey_) {
+        return sound != nullptr ? KeySample{sound->time, *sound, {}, true} : KeySample{};
     }
-    return after == keys_.begin() ? &keys_.front() : &*(after - 1);
+    const KeySample* const found = LastUpTo(keys_, time);
+    if (found == nullptr) {
+        return {};
+    }
+    KeySample key = *found;
+    if (stream_.Start().kind == StreamKind::kTransportStream) {
+        key.from = {}; // what its streams are may be told at the beginning only
+    } else if (sound != nullptr && sound->time > time - kLostSound &&
+               sound->position < key.from.position) {
+        key.from = *sound;
+    }
+    return key;
 }
 
 } // namespace toolbox

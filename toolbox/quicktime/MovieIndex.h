@@ -4,20 +4,16 @@
 // through the data as it comes, ahead of and apart from the playing.
 #pragma once
 
+#include "toolbox/quicktime/KeySample.h"
 #include "toolbox/quicktime/MovieStream.h"
+#include "toolbox/quicktime/MpegPicture.h"
 #include "toolbox/quicktime/Timeline.h"
 
+#include <optional>
 #include <vector>
 
 namespace toolbox
 {
-
-// A place to begin decoding at.
-struct KeySample {
-    Nanoseconds time = 0;       // its presentation time
-    SInt64 position = 0;        // its first byte
-    Nanoseconds stampShift = 0; // what its time line adds to the stamps in the data
-};
 
 class MovieIndex
 {
@@ -36,29 +32,44 @@ public:
     Nanoseconds End() const;
     // The whole length announced by the data or estimated from the sizes, kNoTime if neither.
     Nanoseconds AnnouncedLength(SInt32 fileSize) const;
-    // The last sample to begin decoding at for showing `time`; null if there is none.
-    const KeySample* FindKey(Nanoseconds time) const;
+    // Where to begin for showing and sounding `time`: the beginning (position 0) where nothing
+    // later is known.
+    KeySample FindKey(Nanoseconds time) const;
     SInt64 BytesTaken() const { return stream_.BytesTaken(); }
-    const Sniffed& Kind() const { return stream_.Start(); }
     MovieStream& Stream() { return stream_; }
 
 private:
     void Note(AVPacket& packet);
     void NoteTrimmedSound(const AVPacket& packet, int sampleRate);
-    bool IsKey(const AVPacket& packet, const AVStream& stream);
+    void NotePicture(const AVPacket& packet, AVCodecID codec);
+    void NoteKey(const AVPacket& packet, AVCodecID codec);
+    void NoteLeading(const AVPacket& packet);
+    void NoteSound(const AVPacket& packet);
+    ReadPlace PlaceOf(const AVPacket& packet, Nanoseconds time) const;
+    bool HasStamps() const;
+    void TakeNewKey();
 
     MovieStream stream_;
     Timeline timeline_;
     bool hasTimeline_ = false;
-    std::vector<KeySample> keys_; // in the order of the data
-    int keyStream_ = -1;
-    bool keysArePictures_ = false;
+    int pictureStream_ = -1;
+    int soundStream_ = -1;
+    std::vector<KeySample> keys_;   // in the order of the data, without the first picture
+    std::vector<ReadPlace> sounds_; // in the order of the data
+    std::optional<ReadPlace> lastPicture_;
+    std::optional<KeySample> newKey_; // until it is known when it is shown
+    enum class Group { kBehindLeading, kFirstOpen };
+    Group group_ = Group::kBehindLeading;
+    bool hasFirstKey_ = false;
+    SInt64 pictures_ = 0;
+    Nanoseconds neverShown_ = 0; // pictures at the start that lack what they need
+    std::shared_ptr<const std::vector<UInt8>> header_;
     Nanoseconds trimmed_ = 0; // sound that the data says is not to be played
     bool isComplete_ = false;
     bool isWaiting_ = false;
 };
 
 // The time line that fits what a stream is.
-Timeline TimelineFor(StreamKind kind, const KeySample& begin);
+Timeline TimelineFor(StreamKind kind, const ReadPlace& begin);
 
 } // namespace toolbox

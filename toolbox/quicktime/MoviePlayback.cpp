@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The part of a movie that moves: its clock, what is due by it, and going elsewhere.
+// The part of a movie that moves: its clock and what is due by it.
 #include "toolbox/quicktime/Movie.h"
 #include "toolbox/quicktime/SoundOutput.h"
 
@@ -60,11 +60,14 @@ void MovieRecord::PlayDue()
 {
     const Nanoseconds target =
         anchorTime_ + (ToolboxMicroseconds() - anchorClock_) * kPerMicrosecond;
-    const Nanoseconds reached = PreparePictures(PrepareSound(target));
-    PlaySoundUpTo(reached);
-    isHeldUp_ = reached < target;
+    // Held up, it stands at the end of what is there: only a look behind that tells whether more
+    // has come, also when the clock has not moved since.
+    const Nanoseconds looked = target + (isHeldUp_ ? 1 : 0);
+    const Nanoseconds reached = PreparePictures(PrepareSound(looked));
+    PlaySoundUpTo(std::min(reached, target));
+    isHeldUp_ = reached < looked;
     if (isHeldUp_) {
-        Anchor(std::max(time_, reached));
+        Anchor(std::max(time_, std::min(reached, target)));
     } else {
         time_ = target;
     }
@@ -173,7 +176,7 @@ void MovieRecord::EndPlaying()
     const Nanoseconds end = std::max(EndOfPictures(), EndOfSound());
     if (time_ >= end) {
         PlaySoundUpTo(end);
-        time_ = end;
+        time_ = playedEnd_ = end;
         isAtEnd_ = true;
         Pause();
     }
@@ -182,91 +185,6 @@ void MovieRecord::EndPlaying()
 Nanoseconds MovieRecord::Time() const
 {
     return time_ - beginning_;
-}
-
-void MovieRecord::GoTo(Nanoseconds time)
-{
-    if (!isPlayable_ || isStopped_) {
-        return;
-    }
-    const Nanoseconds wanted =
-        beginning_ + std::clamp<Nanoseconds>(time, 0, std::max<Nanoseconds>(0, LoadedDuration()));
-    const KeySample* const key = index_->FindKey(wanted);
-    Restart(key != nullptr ? *key : KeySample{beginning_, play_->Start().start, 0});
-    if (audio_) {
-        audio_->Flush(wanted);
-    }
-    isAtEnd_ = false;
-    ShowPictureAt(wanted);
-    Anchor(wanted);
-}
-
-// Begins to read at another place.
-void MovieRecord::Restart(const KeySample& key)
-{
-    const Sniffed start = {play_->Start().kind, key.position};
-    play_->Abandon();
-    play_ = std::make_unique<MovieStream>(*handler_, start);
-    begin_ = key;
-    hasTimeline_ = false;
-    dataEnded_ = outOfBytes_ = false;
-    if (video_) {
-        video_->Flush(key.time);
-    }
-}
-
-void MovieRecord::ShowPictureAt(Nanoseconds time)
-{
-    if (!video_) {
-        return;
-    }
-    const SInt32 droppedBefore = picturesDropped_;
-    video_->Current()->isShown = true;
-    PreparePictures(time);
-    if (video_->Current()->isShown && video_->Next() != nullptr) {
-        TakeNextPicture(); // the first there is lies behind the time sought
-    }
-    picturesDropped_ = droppedBefore;
-    DrawIfNew();
-}
-
-void MovieRecord::SkipSoundUpTo(Nanoseconds time)
-{
-    if (audio_ && PrepareSound(time) >= time) {
-        audio_->TakeUpTo(time, volume_);
-    }
-}
-
-void MovieRecord::StepForward()
-{
-    Pause();
-    if (!isPlayable_ || !video_ || isStopped_) {
-        return;
-    }
-    while (video_->Next() == nullptr) {
-        const VideoTrack::Step step = video_->DecodeNext();
-        if (step == VideoTrack::Step::kEnded ||
-            (step == VideoTrack::Step::kNeedsPacket && PullPacket() == Step::kWaiting)) {
-            return;
-        }
-    }
-    TakeNextPicture();
-    SkipSoundUpTo(video_->Current()->start);
-    Anchor(video_->Current()->start);
-    DrawIfNew();
-}
-
-void MovieRecord::StepBack()
-{
-    Pause();
-    const Picture* const current = video_ ? video_->Current() : nullptr;
-    if (current != nullptr) {
-        const Nanoseconds before = current->start - 1;
-        GoTo(before - beginning_);
-        if (video_->Current() != nullptr) {
-            Anchor(std::max(beginning_, video_->Current()->start));
-        }
-    }
 }
 
 void MovieRecord::SetVolume(int volume)

@@ -49,9 +49,9 @@ void FreeInput(AVIOContext* input)
 
 } // namespace
 
-MovieStream::MovieStream(DataHandlerClient& handler, Sniffed start)
-    : handler_(handler), bytes_(handler), start_(start), packet_(av_packet_alloc()),
-      fiber_([this] { Run(); }, kFiberStackSize)
+MovieStream::MovieStream(DataHandlerClient& handler, Sniffed start, std::vector<UInt8> prologue)
+    : handler_(handler), bytes_(handler), start_(start), prologue_(std::move(prologue)),
+      packet_(av_packet_alloc()), fiber_([this] { Run(); }, kFiberStackSize)
 {
     if (!packet_) {
         throw std::bad_alloc();
@@ -223,6 +223,13 @@ void MovieStream::ReadPackets()
 int MovieStream::ReadCallback(void* opaque, UInt8* buffer, int size)
 {
     auto* const self = static_cast<MovieStream*>(opaque);
+    std::vector<UInt8>& prologue = self->prologue_;
+    if (!prologue.empty()) {
+        const int count = std::min(size, static_cast<int>(prologue.size()));
+        std::copy_n(prologue.begin(), count, buffer);
+        prologue.erase(prologue.begin(), prologue.begin() + count);
+        return count;
+    }
     try {
         const SInt32 got = self->ReadSome(buffer, self->offset_, size);
         if (got > 0) {

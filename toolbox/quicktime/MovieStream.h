@@ -10,6 +10,7 @@
 #include "toolbox/quicktime/Sniffer.h"
 
 #include <exception>
+#include <vector>
 
 namespace toolbox
 {
@@ -18,8 +19,9 @@ class MovieStream
 {
 public:
     // Reads from `start` on; kUnknown: finds out where the data begins and what it is.
-    // Throws std::bad_alloc.
-    explicit MovieStream(DataHandlerClient& handler, Sniffed start = {});
+    // `prologue` is read before the data. Throws std::bad_alloc.
+    explicit MovieStream(DataHandlerClient& handler, Sniffed start = {},
+                         std::vector<UInt8> prologue = {});
     ~MovieStream();
     MovieStream(const MovieStream&) = delete;
     MovieStream& operator=(const MovieStream&) = delete;
@@ -63,6 +65,7 @@ private:
     DataHandlerClient& handler_;
     MovieBytes bytes_;
     Sniffed start_;
+    std::vector<UInt8> prologue_;
     SInt64 offset_ = 0;
     LibAVPtr<AVFormatContext> format_;
     LibAVPtr<AVPacket> packet_;

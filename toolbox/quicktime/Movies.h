@@ -57,7 +57,9 @@ TOOLBOX_EXPORT void StopMovie(Movie movie);
 TOOLBOX_EXPORT void MoviesTask(Movie movie, SInt32 maxMilliseconds);
 /* The error of the last movie operation, forgotten by asking. */
 TOOLBOX_EXPORT OSErr GetMoviesError(void);
-/* The rectangle the picture is drawn in; empty for sound alone or while nothing is known. */
+/* The picture's own size, one unit for each stored pixel, whatever shape the data gives to its
+ * pixels: what is shown in this box is what a plain decode gives. Empty for sound alone or while
+ * nothing is known. */
 TOOLBOX_EXPORT void GetMovieBox(Movie movie, Rect* box);
 TOOLBOX_EXPORT SInt32 GetMovieLoadState(Movie movie);
 /* 0, or why the movie is in error. `track`, if not null, is set to null. */

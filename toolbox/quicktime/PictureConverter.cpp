@@ -96,8 +96,10 @@ void PictureConverter::Convert(const AVFrame& picture, UInt8* pixels, SInt32 row
 {
     UInt8* const destination[4] = {pixels, nullptr, nullptr, nullptr};
     const int strides[4] = {rowBytes, 0, 0, 0};
-    const int bandRows =
-        kBandRows * std::max(1, geometry_.height / std::max(1, geometry_.toHeight));
+    // libswscale's scalers leave rows out, or worse, where a picture comes to them in bands.
+    const bool isScaled =
+        geometry_.width != geometry_.toWidth || geometry_.height != geometry_.toHeight;
+    const int bandRows = isScaled ? geometry_.height : kBandRows;
     const int shift =
         av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format))->log2_chroma_h;
     int done = 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/quicktime/VideoTrack.h"
 
+#include <cstring>
+#include <new>
 #include <utility>
 
 namespace toolbox
@@ -9,6 +11,9 @@ namespace
 {
 
 constexpr Nanoseconds kUsualDuration = kSecond / 25;
+// A key picture that is not recognised so long after its place has been overlooked: the next
+// picture that can be decoded alone stands in for it.
+constexpr SInt64 kPicturesOverdue = 2;
 
 // A sequence header followed by an extension start code is MPEG-2 (ISO 13818-2 6.2.2); libavformat
 // calls both kinds MPEG-2 until it has looked further than we let it.
@@ -29,6 +34,18 @@ AVCodecID CodecOf(const AVStream& stream, const AVPacket& first)
         }
     }
     return id;
+}
+
+// Puts bytes in front of those of a packet. Throws std::bad_alloc.
+void Prepend(const std::vector<UInt8>& bytes, AVPacket& packet)
+{
+    const auto count = static_cast<int>(bytes.size());
+    const int before = packet.size;
+    if (av_grow_packet(&packet, count) < 0) {
+        throw std::bad_alloc();
+    }
+    std::memmove(packet.data + count, packet.data, static_cast<size_t>(before));
+    std::memcpy(packet.data, bytes.data(), bytes.size());
 }
 
 // The only picture of a packet, from a decoder of its own that is told at once that no more come.
@@ -69,11 +86,50 @@ VideoTrack::VideoTrack(LibAVPtr<AVCodecContext> decoder, bool hasClock, Nanoseco
 
 void VideoTrack::Add(AVPacket& packet)
 {
+    if (taking_ != Taking::kAll && IsPassedOver(packet)) {
+        return;
+    }
     const bool isKey = (packet.flags & AV_PKT_FLAG_KEY) != 0;
     if (isKey && !current_.frame && !hasPictures_) {
         firstKey_.reset(av_packet_clone(&packet));
     }
     decoder_.Add(packet);
+}
+
+// The pictures right behind the key one that are shown before it need the group before as well.
+bool VideoTrack::IsPassedOver(AVPacket& packet)
+{
+    const PictureCoding coding = CodingOf(packet, decoder_.Context().codec_id);
+    if (taking_ == Taking::kFromKey) {
+        if (coding == PictureCoding::kIntra && IsKeyLookedFor(packet)) {
+            BeginWith(packet);
+            return false;
+        }
+        picturesSeen_ += coding == PictureCoding::kNone ? 0 : 1;
+        return true;
+    }
+    if (coding == PictureCoding::kBidirectional) {
+        return true;
+    }
+    taking_ = Taking::kAll;
+    return false;
+}
+
+bool VideoTrack::IsKeyLookedFor(const AVPacket& packet)
+{
+    const SInt64 expected = key_.picture.number - key_.from.pictures;
+    return PacketMark(packet) == key_.picture.mark || picturesSeen_ > expected + kPicturesOverdue;
+}
+
+void VideoTrack::BeginWith(AVPacket& packet)
+{
+    if (PacketMark(packet) == key_.picture.mark) {
+        packet.pts = key_.time;
+    }
+    if (key_.picture.header) {
+        Prepend(*key_.picture.header, packet);
+    }
+    taking_ = Taking::kFromNextReference;
 }
 
 VideoTrack::Step VideoTrack::DecodeNext()
@@ -136,13 +192,16 @@ bool VideoTrack::ShowFirst()
     return true;
 }
 
-void VideoTrack::Flush(Nanoseconds start)
+void VideoTrack::Flush(const KeySample& key)
 {
     decoder_.Flush();
     next_ = Picture{};
     isFirstOnTheSide_ = false;
     hasPictures_ = false;
-    nextStart_ = start;
+    nextStart_ = key.time;
+    key_ = key;
+    taking_ = key.isBeginning ? Taking::kAll : Taking::kFromKey;
+    picturesSeen_ = 0;
 }
 
 } // namespace toolbox

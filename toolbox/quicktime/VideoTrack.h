@@ -3,6 +3,8 @@
 // The pictures of a movie: packets in, pictures with their times out, in the order of showing.
 #pragma once
 
+#include "toolbox/quicktime/KeySample.h"
+#include "toolbox/quicktime/MpegPicture.h"
 #include "toolbox/quicktime/TrackDecoder.h"
 
 namespace toolbox
@@ -30,6 +32,7 @@ public:
     // The end of the last packet taken, kNoTime before one.
     Nanoseconds EndOfPackets() const { return decoder_.EndOfPackets(); }
 
+    bool IsMpeg() const { return IsMpegVideo(decoder_.Context().codec_id); }
     // Every picture has been decoded.
     bool IsEnded() const { return decoder_.IsEnded(); }
 
@@ -45,13 +48,19 @@ public:
     // Makes the first picture current, decoded on the side, without waiting for those that the
     // decoder wants to see before it hands the first one out. False if that cannot be done yet.
     bool ShowFirst();
-    // Forgets packets and pictures but the current one, before packets from elsewhere come.
-    void Flush(Nanoseconds start);
+    // The current picture came from ShowFirst: the next one is the same.
+    bool IsFirstOnTheSide() const { return isFirstOnTheSide_; }
+    // Forgets packets and pictures but the current one, before packets from elsewhere come: those
+    // before `key`, and those shown before it, are not taken.
+    void Flush(const KeySample& key);
 
 private:
     VideoTrack(LibAVPtr<AVCodecContext> decoder, bool hasClock, Nanoseconds start);
     void Time(Picture& picture);
     Nanoseconds DurationOf(const AVFrame& frame) const;
+    bool IsPassedOver(AVPacket& packet);
+    bool IsKeyLookedFor(const AVPacket& packet);
+    void BeginWith(AVPacket& packet);
 
     TrackDecoder decoder_;
     bool hasClock_;
@@ -61,6 +70,10 @@ private:
     Picture next_;
     bool isFirstOnTheSide_ = false; // current_ came from ShowFirst
     bool hasPictures_ = false;
+    enum class Taking { kAll, kFromKey, kFromNextReference };
+    Taking taking_ = Taking::kAll;
+    KeySample key_;           // from which pictures are taken
+    SInt64 picturesSeen_ = 0; // that began since the place reading began at
 };
 
 } // namespace toolbox

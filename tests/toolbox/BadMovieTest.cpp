@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+//
+// What is no movie, or a damaged one; movies that are stopped and disposed of early.
+#include "tests/toolbox/OpenedMovie.h"
+#include "toolbox/probe/Probe.h"
+
+#include <random>
+
+namespace
+{
+
+TEST(BadMovie, IsRefusedWhenOpenedSynchronously)
+{
+    OpenedMovie page("This is a text, whatever its name says.\n");
+    page.data.ArriveCompletely();
+    EXPECT_EQ(page.Open(0), noMovieFound);
+    EXPECT_EQ(page.movie, nullptr);
+    EXPECT_EQ(page.data.OpenInstances(), 0);
+}
+
+TEST(BadMovie, TellsItsStatusWhenOpenedAsynchronously)
+{
+    for (const std::string& bytes : {std::string(), std::string(100000, 'x')}) {
+        OpenedMovie page(bytes);
+        page.data.ArriveCompletely();
+        ASSERT_EQ(page.Open(), noErr);
+        EXPECT_EQ(GetMovieLoadState(page.movie), kMovieLoadStateError);
+        EXPECT_EQ(GetMovieStatus(page.movie, nullptr), noMovieFound);
+    }
+}
+
+TEST(BadMovie, PlaysWhatItCanOfACutOne)
+{
+    const std::string whole = Clip("mpeg1.mpg");
+    std::mt19937 random(99);
+    std::uniform_int_distribution<size_t> anywhere(60000, whole.size());
+    for (int i = 0; i < 8; ++i) {
+        OpenedMovie page(whole.substr(0, anywhere(random)));
+        page.OpenAll();
+        page.ClickPlay();
+        page.PlayToEnd();
+        EXPECT_GT(page.Statistics().picturesShown, 0);
+        EXPECT_FALSE(page.Statistics().playing);
+    }
+}
+
+TEST(BadMovie, SurvivesRandomDamage)
+{
+    std::mt19937 random(7);
+    for (int i = 0; i < 10; ++i) {
+        std::string bytes = Clip("tiny.mpg") + Clip("silent.mpg").substr(0, 40000);
+        for (int k = 0; k < 200; ++k) {
+            bytes[random() % bytes.size()] = static_cast<char>(random());
+        }
+        OpenedMovie page(bytes);
+        page.data.ArriveCompletely();
+        if (page.Open(0) == noErr && page.ShowIfPlayable()) {
+            page.ClickPlay();
+            page.PlayToEnd();
+            EXPECT_FALSE(page.Statistics().playing);
+        } else {
+            EXPECT_NE(GetMoviesError(), noErr);
+        }
+    }
+}
+
+TEST(StoppedMovie, ReadsNothingMore)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    ASSERT_EQ(page.Open(), noErr);
+    page.data.ArriveUpTo(70000);
+    ASSERT_TRUE(page.ShowIfPlayable());
+    StopMovie(page.movie);
+    const int asked = page.data.Asked();
+    page.data.ArriveCompletely();
+    page.Idle();
+    MoviesTask(page.movie, 0);
+    EXPECT_EQ(page.data.Asked(), asked);
+}
+
+TEST(DisposedMovie, LeavesNothingBehindAtAnyMoment)
+{
+    const SInt32 movies = CountLiveObjects(kLiveMovies);
+    const SInt32 instances = CountLiveObjects(kLiveComponentInstances);
+    for (const size_t arrived : {0U, 1U, 100U, 5000U, 66000U, 400000U}) {
+        OpenedMovie page(Clip("mpeg1.mpg"));
+        ASSERT_EQ(page.Open(), noErr);
+        page.data.ArriveUpTo(arrived);
+        GetMovieLoadState(page.movie);
+        page.ShowIfPlayable();
+        page.Close();
+        EXPECT_EQ(CountLiveObjects(kLiveMovies), movies);
+        EXPECT_EQ(CountLiveObjects(kLiveComponentInstances), instances);
+        page.data.ArriveCompletely(); // must reach nobody
+    }
+}
+
+} // namespace

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+//
+// Where movies draw.
+#include "tests/toolbox/OpenedMovie.h"
+
+namespace
+{
+
+TEST(MovieDrawing, ShowsNothingBeforeTheFirstDrawAction)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    page.data.ArriveCompletely();
+    ASSERT_EQ(page.Open(0), noErr);
+    SetMovieGWorld(page.movie, page.port, nullptr);
+    SetMovieActive(page.movie, 1);
+    const Rect box = {0, 0, 240, 352};
+    page.controller = NewMovieController(page.movie, &box, mcTopLeftMovie | mcScaleMovieToFit);
+    page.Idle();
+    EXPECT_FALSE(TakeDirtyRegion(page.port, nullptr));
+    MCDoAction(page.controller, mcActionDraw, page.port);
+    EXPECT_TRUE(TakeDirtyRegion(page.port, nullptr));
+}
+
+TEST(MovieDrawing, StaysInsideTheClip)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    page.data.ArriveCompletely();
+    ASSERT_EQ(page.Open(0), noErr);
+    SetMovieGWorld(page.movie, page.port, nullptr);
+    SetMovieActive(page.movie, 1);
+    const Rect box = {0, 0, 240, 352};
+    page.controller = NewMovieController(page.movie, &box, mcTopLeftMovie | mcScaleMovieToFit);
+    const RgnHandle clip = NewRgn();
+    const Rect allowed = {50, 60, 100, 163};
+    RectRgn(clip, &allowed);
+    MCSetClip(page.controller, clip, nullptr);
+    DisposeRgn(clip);
+    MCDoAction(page.controller, mcActionDraw, page.port);
+    SInt32 rowBytes = 0;
+    const UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
+    int outside = 0;
+    int inside = 0;
+    for (int v = 0; v < 400; ++v) {
+        for (int h = 0; h < 500; ++h) {
+            const UInt8* const p = pixels + v * rowBytes + h * 4;
+            const bool isWhite = p[1] == 0xFF && p[2] == 0xFF && p[3] == 0xFF;
+            const bool isAllowed =
+                v >= allowed.top && v < allowed.bottom && h >= allowed.left && h < allowed.right;
+            outside += !isAllowed && !isWhite;
+            inside += isAllowed && !isWhite;
+        }
+    }
+    EXPECT_EQ(outside, 0);
+    EXPECT_GT(inside, 1000);
+}
+
+TEST(MovieDrawing, DoesNotTouchItsNeighboursAtAnyWidth)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    page.OpenAll();
+    SInt32 rowBytes = 0;
+    UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
+    for (SInt16 width = 320; width < 360; ++width) {
+        memset(pixels, 0xFF, static_cast<size_t>(rowBytes) * 400);
+        const Rect bounds = {0, 0, 256, width};
+        MCSetControllerBoundsRect(page.controller, &bounds);
+        MCDoAction(page.controller, mcActionDraw, page.port);
+        int outside = 0;
+        for (int v = 0; v < 400; ++v) {
+            for (int h = width; h < 500; ++h) {
+                outside += pixels[v * rowBytes + h * 4 + 1] != 0xFF;
+            }
+        }
+        EXPECT_EQ(outside, 0) << "width " << width;
+    }
+}
+
+} // namespace
