@@ -27,6 +27,10 @@ enum {
     dirNFErr = -120,          /* directory not found */
     threadNotFoundErr = -618, /* no thread of that id */
     threadProtocolErr = -619, /* the call does not fit the thread's state */
+    badDragItemErr = -1851,   /* the drag has no such item */
+    badDragFlavorErr = -1852, /* the item has no such flavour */
+    duplicateFlavorErr = -1853,
+    cantGetFlavorErr = -1854, /* the flavour's data is not there */
     noMovieFound = -2048,     /* the data holds no movie */
     notEnoughDataErr = -2149, /* the data has not arrived yet */
     couldNotResolveDataRef = -2000,

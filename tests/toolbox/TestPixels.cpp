@@ -13,6 +13,30 @@ namespace
 
 constexpr int kSpareRowBytes = 6;
 
+UInt32 ColorAt(const PixMap& map, int row, int column)
+{
+    const int depth = map.pixelSize;
+    const UInt8* const first =
+        reinterpret_cast<const UInt8*>(map.baseAddr) + row * (map.rowBytes & 0x3FFF);
+    const UInt8* const at = first + column * depth / 8;
+    if (depth == 32) {
+        return static_cast<UInt32>(at[1] << 16 | at[2] << 8 | at[3]);
+    }
+    if (depth == 16) {
+        const int pixel = at[0] << 8 | at[1];
+        const auto eightBits = [&](int shift) {
+            const int five = pixel >> shift & 31;
+            return static_cast<UInt32>(five << 3 | five >> 2);
+        };
+        return eightBits(10) << 16 | eightBits(5) << 8 | eightBits(0);
+    }
+    const int shift = 8 - depth - column * depth % 8;
+    const int index = *at >> shift & ((1 << depth) - 1);
+    const ColorSpec* const entries = (*map.pmTable)->ctTable;
+    const RGBColor& color = entries[index].rgb;
+    return static_cast<UInt32>((color.red >> 8) << 16 | (color.green >> 8) << 8 | color.blue >> 8);
+}
+
 } // namespace
 
 TestPixels::TestPixels(int depth, const Rect& bounds)
@@ -40,12 +64,12 @@ TestPixels::~TestPixels()
     DisposeHandle(reinterpret_cast<Handle>(table_));
 }
 
-std::vector<UInt32> TestPixels::Colors(const Rect& part) const
+std::vector<UInt32> TestPixels::ColorsOf(const PixMap& map, const Rect& part)
 {
     std::vector<UInt32> colors;
     for (int v = part.top; v < part.bottom; ++v) {
         for (int h = part.left; h < part.right; ++h) {
-            colors.push_back(ColorAt(v - map_.bounds.top, h - map_.bounds.left));
+            colors.push_back(ColorAt(map, v - map.bounds.top, h - map.bounds.left));
         }
     }
     return colors;
@@ -96,28 +120,6 @@ void TestPixels::FillAtRandom()
             bytes_[i] = run ? value : static_cast<UInt8>(random());
         }
     }
-}
-
-UInt32 TestPixels::ColorAt(int row, int column) const
-{
-    const int depth = map_.pixelSize;
-    const UInt8* const first = &bytes_[static_cast<size_t>(row * (map_.rowBytes & 0x3FFF))];
-    const UInt8* const at = first + column * depth / 8;
-    if (depth == 32) {
-        return static_cast<UInt32>(at[1] << 16 | at[2] << 8 | at[3]);
-    }
-    if (depth == 16) {
-        const int pixel = at[0] << 8 | at[1];
-        const auto eightBits = [&](int shift) {
-            const int five = pixel >> shift & 31;
-            return static_cast<UInt32>(five << 3 | five >> 2);
-        };
-        return eightBits(10) << 16 | eightBits(5) << 8 | eightBits(0);
-    }
-    const int shift = 8 - depth - column * depth % 8;
-    const int index = *at >> shift & ((1 << depth) - 1);
-    const RGBColor& color = (*table_)->ctTable[index].rgb;
-    return static_cast<UInt32>((color.red >> 8) << 16 | (color.green >> 8) << 8 | color.blue >> 8);
 }
 
 } // namespace test

@@ -22,7 +22,10 @@ public:
     const Rect& Bounds() const { return map_.bounds; }
     // 0x00RRGGBB, row after row.
     std::vector<UInt32> Colors() const { return Colors(map_.bounds); }
-    std::vector<UInt32> Colors(const Rect& part) const;
+    std::vector<UInt32> Colors(const Rect& part) const { return ColorsOf(map_, part); }
+    // The same of any map.
+    static std::vector<UInt32> ColorsOf(const PixMap& map, const Rect& part);
+    static std::vector<UInt32> ColorsOf(const PixMap& map) { return ColorsOf(map, map.bounds); }
 
     void SetRow(size_t row, const std::vector<UInt8>& bytes);
     void ForgetTable() { map_.pmTable = nullptr; }
@@ -34,7 +37,6 @@ public:
 private:
     void MakeTable(int depth);
     void FillAtRandom();
-    UInt32 ColorAt(int row, int column) const;
 
     std::vector<UInt8> bytes_;
     PixMap map_{};

@@ -33,6 +33,7 @@ enum {
     kLiveRegions,
     kLiveMovies,
     kLiveMovieControllers,
+    kLiveDrags,
     kLiveObjectKinds
 };
 
