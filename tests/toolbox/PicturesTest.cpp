@@ -7,11 +7,15 @@
 #include "toolbox/Errors.h"
 #include "toolbox/memory/Memory.h"
 #include "toolbox/probe/Probe.h"
-#include "toolbox/quickdraw/Drawing.h"
 #include "toolbox/quickdraw/PictureRecorder.h"
+#include "toolbox/quickdraw/QDOffscreen.h"
+#include "toolbox/quickdraw/Region.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
 
 static bool operator==(const Rect& a, const Rect& b)
 {
@@ -107,6 +111,38 @@ TEST_F(Pictures, AreClippedAsThePortIs)
                 ElementsAre(ElementsAre(10, 10, 20, 40, 60), ElementsAre(10, 10, 30, 20, 60)));
 }
 
+// From line 10 on what lies between 30 and 60, from 20 on only what lies right of 45, up to 30.
+TEST_F(Pictures, AreClippedToARegionOfAnyForm)
+{
+    RgnHandle const clip = NewRgn();
+    pixman_region32_t& area = (*clip)->area;
+    pixman_region32_union_rect(&area, &area, 30, 10, 30, 10);
+    pixman_region32_union_rect(&area, &area, 45, 20, 15, 10);
+    SetClip(clip);
+    Open();
+    DisposeRgn(clip);
+    constexpr SInt16 kEnd = 0x7FFF;
+    EXPECT_THAT(Close().clips,
+                ElementsAre(ElementsAre(10 + 2 * 13, 10, 30, 30, 60, 10, 30, 60, kEnd, 20, 30, 45,
+                                        kEnd, 30, 45, 60, kEnd, kEnd)));
+}
+
+// From line 12 to line 14, and again from line 20 on, with nothing between.
+TEST_F(Pictures, AreClippedToARegionWithAGap)
+{
+    RgnHandle const clip = NewRgn();
+    pixman_region32_t& area = (*clip)->area;
+    pixman_region32_union_rect(&area, &area, 30, 12, 5, 2);
+    pixman_region32_union_rect(&area, &area, 30, 20, 5, 2);
+    SetClip(clip);
+    Open();
+    DisposeRgn(clip);
+    constexpr SInt16 kEnd = 0x7FFF;
+    EXPECT_THAT(Close().clips,
+                ElementsAre(ElementsAre(10 + 2 * 17, 12, 30, 22, 35, 12, 30, 35, kEnd, 14, 30, 35,
+                                        kEnd, 20, 30, 35, kEnd, 22, 30, 35, kEnd, kEnd)));
+}
+
 TEST_F(Pictures, SayWithWhichColorsTheyAreTinted)
 {
     const RGBColor color = {0x1234, 0x5678, 0x9ABC};
@@ -192,6 +228,37 @@ TEST_F(Pictures, KeepNothingOfAnEmptyCopy)
     Copy(pixels, {20, 20, 30, 30}, kFrame); // outside the map
     Copy(pixels, pixels.Bounds(), {4, 9, 5, 9});
     EXPECT_THAT(Close().copies, IsEmpty());
+}
+
+TEST_F(Pictures, KeepWhatAGraphicsWorldCopiesOntoItself)
+{
+    const TestPixels pixels(8, {0, 0, 12, 34});
+    PixMap map = pixels.Map();
+    GWorldPtr world = nullptr;
+    ASSERT_EQ(NewGWorld(&world, 8, &map.bounds, map.pmTable, nullptr, 0), noErr);
+    SetPort(world);
+    const auto* const own = reinterpret_cast<const BitMap*>(*GetGWorldPixMap(world));
+    CopyBits(reinterpret_cast<const BitMap*>(&map), own, &map.bounds, &map.bounds, srcCopy,
+             nullptr);
+    Open(map.bounds);
+    CopyBits(own, own, &map.bounds, &map.bounds, ditherCopy, nullptr);
+    const PictureParts parts = Close();
+    DisposeGWorld(world);
+    ASSERT_EQ(parts.copies.size(), 1U);
+    EXPECT_EQ(parts.copies[0].pixels, pixels.Colors());
+}
+
+TEST_F(Pictures, RecordACopyInsteadOfDrawingIt)
+{
+    const TestPixels pixels(8, {0, 0, 12, 34});
+    PixMap map = pixels.Map();
+    TakeDirtyRegion(port, nullptr);
+    const auto* const own = reinterpret_cast<const BitMap*>(*GetGWorldPixMap(port));
+    Open();
+    CopyBits(reinterpret_cast<const BitMap*>(&map), own, &map.bounds, &map.bounds, srcCopy,
+             nullptr);
+    EXPECT_FALSE(TakeDirtyRegion(port, nullptr));
+    EXPECT_EQ(Close().copies.size(), 1U);
 }
 
 TEST_F(Pictures, TakeAMapOfOneBitWithoutATableAsBlackOnWhite)
