@@ -3,8 +3,6 @@
 
 #include "toolbox/memory/Memory.h"
 
-#include <algorithm>
-
 namespace
 {
 
@@ -48,24 +46,4 @@ CTabHandle StillFrame::NewGrayRamp()
         (*colors)->ctTable[i].rgb = {gray, gray, gray};
     }
     return colors;
-}
-
-void StillFrame::NoteRow(SInt32 row) noexcept
-{
-    const bool isFirst = endNew_ <= firstNew_;
-    firstNew_ = isFirst ? row : std::min(firstNew_, row);
-    endNew_ = isFirst ? row + 1 : std::max(endNew_, row + 1);
-}
-
-void StillFrame::TellOfNewRows()
-{
-    if (endNew_ <= firstNew_)
-        return;
-    const auto first = static_cast<SInt16>(firstNew_);
-    const auto end = static_cast<SInt16>(endNew_);
-    firstNew_ = endNew_ = 0;
-    // The band in between goes along.
-    InvalImageRow(&image_, first);
-    InvalImageRow(&image_, static_cast<SInt16>(end - 1));
-    CallPluginHostDecodedChunk(&image_, first, end);
 }

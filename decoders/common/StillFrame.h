@@ -2,7 +2,7 @@
 #pragma once
 
 #include "decoders/common/FrameLock.h"
-#include "src/image/ImageFunctions.h"
+#include "decoders/common/NewRows.h"
 
 #include <optional>
 
@@ -11,7 +11,7 @@
 class StillFrame
 {
 public:
-    explicit StillFrame(VornPlugin& ownImage) : image_(ownImage) {}
+    explicit StillFrame(VornPlugin& ownImage) : image_(ownImage), newRows_(ownImage) {}
     StillFrame(const StillFrame&) = delete;
     StillFrame& operator=(const StillFrame&) = delete;
 
@@ -29,12 +29,8 @@ public:
     PixelWriteState& Mask() { return mask_->State(); }
     UInt8* Row(UInt32 row) { return RowOf(Pixels(), row); }
     UInt8* MaskRow(UInt32 row) { return RowOf(Mask(), row); }
-    // A row has been written. Throws nothing and calls nobody, so it may be called under a
-    // library's frames.
-    void NoteRow(SInt32 row) noexcept;
-    // Tells image and host of the rows noted since the last call. Only outside a library's frames:
-    // the host may do as it likes.
-    void TellOfNewRows();
+    // Rows that have been written, to be told of outside the library's frames.
+    NewRows& Rows() { return newRows_; }
 
 private:
     static UInt8* RowOf(const PixelWriteState& state, UInt32 row)
@@ -45,6 +41,5 @@ private:
     VornPlugin& image_;
     std::optional<FrameLock> pixels_;
     std::optional<FrameLock> mask_;
-    SInt32 firstNew_ = 0;
-    SInt32 endNew_ = 0; // not above firstNew_: no new row
+    NewRows newRows_;
 };

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#include "decoders/jpeg/JpegSource.h"
+
+#include "decoders/common/ArrivingBlock.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr UInt8 kEndMark[] = {0xFF, JPEG_EOI};
+
+} // namespace
+
+JpegSource::JpegSource(jpeg_decompress_struct& decoder) : decoder_(decoder)
+{
+    manager_.init_source = [](j_decompress_ptr) {};
+    manager_.fill_input_buffer = Fill;
+    manager_.skip_input_data = Skip;
+    manager_.resync_to_restart = jpeg_resync_to_restart;
+    manager_.term_source = [](j_decompress_ptr) {};
+    decoder.src = &manager_;
+    decoder.client_data = this;
+}
+
+void JpegSource::ReadBlock(VornPlugin& object)
+{
+    DropUsedBytes();
+    const size_t before = bytes_.size();
+    bytes_.resize(before + ArrivingBlock::kSize);
+    const ArrivingBlock block(object, bytes_.data() + before);
+    bytes_.resize(before + block.count);
+    hasAll_ = block.isLast;
+    const size_t skipped = std::min(toSkip_, bytes_.size());
+    toSkip_ -= skipped;
+    manager_.next_input_byte = bytes_.data() + skipped;
+    manager_.bytes_in_buffer = bytes_.size() - skipped;
+}
+
+void JpegSource::DropUsedBytes()
+{
+    const auto used = static_cast<ptrdiff_t>(bytes_.size() - manager_.bytes_in_buffer);
+    bytes_.erase(bytes_.begin(), bytes_.begin() + used);
+}
+
+boolean JpegSource::Fill(j_decompress_ptr decoder)
+{
+    auto& source = *static_cast<JpegSource*>(decoder->client_data);
+    if (!source.hasAll_)
+        return FALSE;
+    source.GiveEndMark();
+    return TRUE;
+}
+
+void JpegSource::GiveEndMark()
+{
+    if (!wasTooShort_ && decoder_.input_scan_number <= 1) {
+        const auto rowHeight = static_cast<JDIMENSION>(decoder_.max_v_samp_factor * DCTSIZE);
+        rowsBeforeEnd_ = (decoder_.input_iMCU_row + 1) * rowHeight;
+    }
+    wasTooShort_ = true;
+    manager_.next_input_byte = kEndMark;
+    manager_.bytes_in_buffer = sizeof kEndMark;
+}
+
+void JpegSource::Skip(j_decompress_ptr decoder, long count)
+{
+    if (count <= 0)
+        return;
+    auto& source = *static_cast<JpegSource*>(decoder->client_data);
+    const size_t here = std::min(static_cast<size_t>(count), source.manager_.bytes_in_buffer);
+    source.manager_.next_input_byte += here;
+    source.manager_.bytes_in_buffer -= here;
+    source.toSkip_ += static_cast<size_t>(count) - here;
+}

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "src/plugin/VornPluginABI.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <jpeglib.h>
+#include <vector>
+
+// The bytes that libjpeg-turbo decodes from. Where it asks for more than have arrived it is told to
+// give up for now, and goes on when there are more; where there will be no more it gets an end mark
+// to finish with.
+class JpegSource
+{
+public:
+    // Makes it the source of `decoder`, to which it must stay.
+    explicit JpegSource(jpeg_decompress_struct& decoder);
+    JpegSource(const JpegSource&) = delete;
+    JpegSource& operator=(const JpegSource&) = delete;
+
+    // Adds the object's next bytes. Outside the library's frames: it waits.
+    void ReadBlock(VornPlugin& object);
+    // All bytes of the object are there.
+    bool HasAll() const { return hasAll_; }
+    // The library has asked for more than all of them, and got an end mark.
+    bool WasTooShort() const { return wasTooShort_; }
+    // If it was in its first pass over the image then: one past the last row that may have come of
+    // bytes that were there.
+    JDIMENSION RowsBeforeEnd() const { return rowsBeforeEnd_; }
+
+private:
+    static boolean Fill(j_decompress_ptr decoder);
+    static void Skip(j_decompress_ptr decoder, long count);
+    void DropUsedBytes();
+    void GiveEndMark();
+
+    jpeg_decompress_struct& decoder_;
+    jpeg_source_mgr manager_{};
+    std::vector<UInt8> bytes_; // what the library has not used
+    size_t toSkip_ = 0;        // of the bytes that come next
+    JDIMENSION rowsBeforeEnd_ = JPEG_MAX_DIMENSION;
+    bool hasAll_ = false;
+    bool wasTooShort_ = false;
+};
