@@ -38,4 +38,135 @@ TEST(MovieController, SilencesAndRestoresTheSoundByItsButton)
     EXPECT_TRUE(std::all_of(page.sound.begin(), page.sound.end(), [](SInt16 s) { return s == 0; }));
 }
 
+// A bar of sound that is as wide as told.
+class NarrowBar : public testing::TestWithParam<int>
+{
+protected:
+    NarrowBar()
+    {
+        page.data.ArriveCompletely();
+        EXPECT_EQ(page.Open(0), noErr);
+        SetMovieGWorld(page.movie, page.port, nullptr);
+        SetMovieActive(page.movie, 1);
+        const Rect box = {0, 0, 0, static_cast<SInt16>(GetParam())};
+        page.controller = NewMovieController(page.movie, &box, mcTopLeftMovie | mcScaleMovieToFit);
+        MCDoAction(page.controller, mcActionDraw, page.port);
+    }
+    // Whether any press at h starts or stops the movie.
+    bool PlaysWhenPressedAt(int h)
+    {
+        const bool before = page.Statistics().playing;
+        EXPECT_TRUE(page.Mouse(mouseDown, h, 8));
+        EXPECT_TRUE(page.Mouse(mouseUp, h, 8));
+        return page.Statistics().playing != before;
+    }
+
+    OpenedMovie page{Clip("sound.mp2"), "sound.mp2"};
+};
+
+TEST_P(NarrowBar, IsAsWideAsAskedAndSixteenPixelsHigh)
+{
+    Rect bounds;
+    MCGetControllerBoundsRect(page.controller, &bounds);
+    EXPECT_EQ(bounds.right - bounds.left, GetParam());
+    EXPECT_EQ(bounds.bottom - bounds.top, 16);
+}
+
+TEST_P(NarrowBar, CanBePlayed)
+{
+    bool canBePlayed = false;
+    for (int h = 0; h < GetParam() && !canBePlayed; ++h) {
+        canBePlayed = PlaysWhenPressedAt(h);
+    }
+    EXPECT_TRUE(canBePlayed);
+}
+
+TEST_P(NarrowBar, DrawsNothingBesideIt)
+{
+    SInt32 rowBytes = 0;
+    const UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
+    int beside = 0;
+    for (int v = 0; v < 16; ++v) {
+        for (int h = GetParam(); h < 400; ++h) {
+            beside += pixels[v * rowBytes + h * 4 + 1] != 0xFF;
+        }
+    }
+    EXPECT_EQ(beside, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(MovieController, NarrowBar,
+                         testing::Values(1, 5, 11, 16, 31, 32, 40, 55, 56, 95, 96, 100));
+
+class BarWithoutVolume : public NarrowBar
+{
+};
+
+TEST_P(BarWithoutVolume, BeginsWithPlay)
+{
+    EXPECT_TRUE(PlaysWhenPressedAt(0));
+}
+
+INSTANTIATE_TEST_SUITE_P(MovieController, BarWithoutVolume, testing::Values(1, 16, 31));
+
+TEST(MovieController, HidesTheStepsBeforeTheSlider)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    page.OpenAll();
+    page.IdleUntilNothingIsPending();
+    const size_t first = page.PictureDigest();
+    const Rect bounds = {0, 0, 240 + 16, 90};
+    MCSetControllerBoundsRect(page.controller, &bounds);
+    MCDoAction(page.controller, mcActionDraw, page.port);
+    EXPECT_TRUE(page.Mouse(mouseDown, 89, page.Bar().top + 8)); // the slider's end
+    EXPECT_TRUE(page.Mouse(mouseUp, 89, page.Bar().top + 8));
+    EXPECT_NE(page.PictureDigest(), first);
+}
+
+// The left edge of the thumb, -1 if there is none.
+int ThumbLeft(const OpenedMovie& page)
+{
+    SInt32 rowBytes = 0;
+    const UInt8* const row =
+        GetPortPixels(page.port, &rowBytes) + ptrdiff_t{page.Bar().top + 4} * rowBytes;
+    for (int h = page.Bar().left + 32; h < page.Bar().right; ++h) {
+        const UInt8* const p = row + ptrdiff_t{h} * 4;
+        if (p[1] == 0x33 && p[2] == 0x55 && p[3] == 0x99) {
+            return h;
+        }
+    }
+    return -1;
+}
+
+class ThumbAtTheEnd : public testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(ThumbAtTheEnd, StandsAtTheSlidersEnd)
+{
+    OpenedMovie page(Clip(GetParam()), GetParam());
+    page.OpenAll();
+    page.ClickPlay();
+    page.PlayToEnd();
+    page.IdleUntilNothingIsPending();
+    page.Idle();
+    EXPECT_EQ(ThumbLeft(page), page.Bar().right - 32 - 8);
+}
+
+TEST_P(ThumbAtTheEnd, IsWhereTheMoviesLengthEnds)
+{
+    OpenedMovie page(Clip(GetParam()), GetParam());
+    page.OpenAll();
+    page.ClickPlay();
+    page.PlayToEnd();
+    page.IdleUntilNothingIsPending();
+    TimeValue loaded = 0;
+    EXPECT_EQ(GetMaxLoadedTimeInMovie(page.movie, &loaded), noErr);
+    EXPECT_EQ(GetMovieDuration(page.movie), loaded);
+    EXPECT_EQ(DeleteMovieSegment(page.movie, loaded, loaded), noErr);
+}
+
+INSTANTIATE_TEST_SUITE_P(MovieController, ThumbAtTheEnd,
+                         testing::Values("mpeg1.mpg", "mpeg2.mpg", "early.mpg", "video.m1v",
+                                         "sound.mp3"));
+
 } // namespace

@@ -54,6 +54,30 @@ TEST(MovieDrawing, StaysInsideTheClip)
     EXPECT_GT(inside, 1000);
 }
 
+TEST(MovieDrawing, FillsItsBoxAtEverySize)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    page.OpenAll();
+    SInt32 rowBytes = 0;
+    UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
+    constexpr UInt8 kUntouched = 0xA5; // in the byte that drawing sets to zero
+    for (SInt16 height = 1; height < 384; height = static_cast<SInt16>(height + 11)) {
+        for (SInt16 width = 8; width < 500; width = static_cast<SInt16>(width + 41)) {
+            memset(pixels, kUntouched, static_cast<size_t>(rowBytes) * 400);
+            const Rect bounds = {0, 0, static_cast<SInt16>(height + 16), width};
+            MCSetControllerBoundsRect(page.controller, &bounds);
+            MCDoAction(page.controller, mcActionDraw, page.port);
+            int untouched = 0;
+            for (int v = 0; v < height; ++v) {
+                for (int h = 0; h < width; ++h) {
+                    untouched += pixels[v * rowBytes + h * 4] == kUntouched;
+                }
+            }
+            EXPECT_EQ(untouched, 0) << width << " by " << height;
+        }
+    }
+}
+
 TEST(MovieDrawing, DoesNotTouchItsNeighboursAtAnyWidth)
 {
     OpenedMovie page(Clip("mpeg1.mpg"));

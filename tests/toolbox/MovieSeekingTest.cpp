@@ -195,4 +195,33 @@ TEST(SeekingMovie, PlaysTheRestOfItsSoundFromThere)
     EXPECT_NEAR(seconds, 1.5, 0.2);
 }
 
+class SoughtSound : public testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(SoughtSound, IsThePlainDecodesSoundFromThereToTheEnd)
+{
+    OpenedMovie page(Clip(GetParam()), GetParam());
+    page.OpenAll();
+    page.IdleUntilNothingIsPending();
+    const std::string whole = Clip(std::string(GetParam()) + ".pcm");
+    for (const int part : {7, 2, 5}) {
+        const Rect bar = page.Bar();
+        const int h = bar.left + 32 + (bar.right - bar.left - 64) * part / 10;
+        EXPECT_TRUE(page.Mouse(mouseDown, h, bar.top + 8));
+        EXPECT_TRUE(page.Mouse(mouseUp, h, bar.top + 8));
+        page.sound.clear();
+        page.ClickPlay();
+        page.PlayToEnd();
+        const std::string heard = AsBytes(page.sound);
+        ASSERT_LT(heard.size(), whole.size());
+        const double share = static_cast<double>(heard.size()) / static_cast<double>(whole.size());
+        EXPECT_NEAR(share, 1 - part / 10.0, 0.05) << part;
+        EXPECT_LE(LargestDifference(heard, whole.substr(whole.size() - heard.size())), 1) << part;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Movies, SoughtSound,
+                         testing::Values("sound.mp2", "sound.mp3", "mpeg1.mpg", "mpeg2.mpg"));
+
 } // namespace

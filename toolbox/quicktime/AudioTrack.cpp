@@ -118,13 +118,19 @@ void AudioTrack::Append(const AVFrame& frame)
 void AudioTrack::DropBeforeStart(const AVFrame& frame)
 {
     const SInt64 stamp = frame.best_effort_timestamp;
-    const Nanoseconds time =
-        stamp != AV_NOPTS_VALUE ? stamp : (notBefore_ == kNoTime ? 0 : notBefore_);
-    if (notBefore_ == kNoTime || time >= notBefore_) {
-        start_ = time;
+    if (notBefore_ == kNoTime) {
+        start_ = stamp != AV_NOPTS_VALUE ? stamp : 0;
         return;
     }
-    const SInt64 early = av_rescale(notBefore_ - time, sampleRate_, kSecond);
+    if (stamp == AV_NOPTS_VALUE) {
+        samples_.clear(); // the rest of what began before the place reading began at
+        return;
+    }
+    if (stamp >= notBefore_) {
+        start_ = stamp;
+        return;
+    }
+    const SInt64 early = av_rescale(notBefore_ - stamp, sampleRate_, kSecond);
     if (early >= FramesWaiting()) {
         samples_.clear();
         return;

@@ -185,8 +185,9 @@ void MovieIndex::NoteTrimmedSound(const AVPacket& packet, int sampleRate)
     size_t size = 0;
     const UInt8* const data = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
     if (data != nullptr && size >= kSkipSamplesSize && sampleRate > 0) {
-        const SInt64 samples = SInt64{LittleEndian32(data)} + LittleEndian32(data + 4);
-        trimmed_ += av_rescale(samples, kSecond, sampleRate);
+        const Nanoseconds padding = av_rescale(LittleEndian32(data + 4), kSecond, sampleRate);
+        trimmed_ += av_rescale(LittleEndian32(data), kSecond, sampleRate) + padding;
+        padding_ += padding;
     }
 }
 
@@ -194,6 +195,11 @@ Nanoseconds MovieIndex::End() const
 {
     const Nanoseconds end = timeline_.End();
     return end == kNoTime ? kNoTime : std::max(timeline_.First(), end - trimmed_);
+}
+
+Nanoseconds MovieIndex::StartOfPadding() const
+{
+    return padding_ > 0 ? timeline_.End() - padding_ : INT64_MAX;
 }
 
 Nanoseconds MovieIndex::AnnouncedLength(SInt32 fileSize) const

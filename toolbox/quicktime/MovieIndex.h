@@ -30,6 +30,8 @@ public:
     // there is anything.
     Nanoseconds Start() const { return timeline_.First(); }
     Nanoseconds End() const;
+    // From where on the data says that sound is only padding, INT64_MAX while it does not.
+    Nanoseconds StartOfPadding() const;
     // The whole length announced by the data or estimated from the sizes, kNoTime if neither.
     Nanoseconds AnnouncedLength(SInt32 fileSize) const;
     // Where to begin for showing and sounding `time`: the beginning (position 0) where nothing
@@ -65,6 +67,7 @@ private:
     Nanoseconds neverShown_ = 0; // pictures at the start that lack what they need
     std::shared_ptr<const std::vector<UInt8>> header_;
     Nanoseconds trimmed_ = 0; // sound that the data says is not to be played
+    Nanoseconds padding_ = 0; // of that, at the end
     bool isComplete_ = false;
     bool isWaiting_ = false;
 };

@@ -131,7 +131,8 @@ void MovieRecord::PlaySoundUpTo(Nanoseconds time)
         return;
     }
     const Nanoseconds position = audio_->Position();
-    const std::vector<SInt16>& samples = audio_->TakeUpTo(time, volume_);
+    const std::vector<SInt16>& samples =
+        audio_->TakeUpTo(std::min(time, index_->StartOfPadding()), volume_);
     if (samples.empty()) {
         return;
     }
@@ -167,7 +168,10 @@ MovieRecord::Nanoseconds MovieRecord::EndOfPictures() const
 
 MovieRecord::Nanoseconds MovieRecord::EndOfSound() const
 {
-    return audio_ && audio_->Start() != kNoTime ? audio_->EndOfDecoded() : kNoTime;
+    // A decoder that did not see the beginning does not leave out the padding.
+    return audio_ && audio_->Start() != kNoTime
+               ? std::min(audio_->EndOfDecoded(), index_->StartOfPadding())
+               : kNoTime;
 }
 
 // Everything is decoded; the movie is over when the last picture and the last sound are.
