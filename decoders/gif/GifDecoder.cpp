@@ -20,9 +20,9 @@ constexpr SInt32 kMaxFrames = 0x7FFF;
 constexpr size_t kMaxExtensionBytes = 4096;
 constexpr GraphicsControlBlock kNoControl = {DISPOSAL_UNSPECIFIED, false, 0, NO_TRANSPARENT_COLOR};
 
-// Of compressed rows, but for useless codes: 12 bits a pixel at most, in parts with their lengths.
+// What the library may want for a row: 12 bits a pixel, and the whole of the part they end in.
 constexpr size_t kMostBytesPerPixel = 2;
-constexpr size_t kMostBytesBetween = 16;
+constexpr size_t kMostBytesAhead = 512;
 
 // Browsers take delays that nobody could keep, and so nobody meant, for a tenth of a second.
 constexpr int kShortestDelay = 2;
@@ -239,7 +239,7 @@ void GifDecoder::ReadRows(SInt16 index, const Rect& target)
     SInt32 n = 0;
     for (; n < needed; ++n) {
         // The host cannot be told within the library, so it is before the library has to wait.
-        if (!reader_.HasAtHand(kMostBytesPerPixel * indices.size() + kMostBytesBetween))
+        if (!reader_.HasAtHand(kMostBytesPerPixel * indices.size() + kMostBytesAhead))
             newRows_.Tell();
         result = DGifGetLine(&file_, indices.data(), head.Width);
         if (result == GIF_ERROR)
