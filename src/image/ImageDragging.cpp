@@ -76,6 +76,10 @@ void VornImagePlugin::GetData(UInt32& dataType, Handle* outData)
     dataType = kPictureType;
     if (!outData || curFrame < 0)
         return;
-    if (const TFrame* frame = frames[curFrame])
-        frame->GetFramePictHandle(reinterpret_cast<PicHandle*>(outData));
+    const TFrame* frame = frames[curFrame];
+    if (!frame)
+        return;
+    PicHandle picture = nullptr;
+    frame->GetFramePictHandle(&picture);
+    *outData = reinterpret_cast<Handle>(picture);
 }
