@@ -147,7 +147,7 @@ TEST_F(IdleImage, ComparesTicksAsUnsigned)
 {
     AddFrames(2, 0);
     Start();
-    image->nextFrameTime = 0x80000000U;
+    image->nextFrameTime = 0xFFFFFFFFU;
     EXPECT_THAT(FramesDrawn(2), IsEmpty());
     EXPECT_EQ(image->curFrame, 0);
 }
