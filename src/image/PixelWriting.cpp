@@ -111,10 +111,10 @@ void SetPixMapPixel(PixelWriteState* state, const Rect* clip, Point place, UInt3
         row[column] = static_cast<UInt8>(value);
         break;
     case 16:
-        Store16(row + column * 2, value);
+        Store16(row + ptrdiff_t{column} * 2, value);
         break;
     case 32:
-        Store32(row + column * 4, value);
+        Store32(row + ptrdiff_t{column} * 4, value);
         break;
     default:
         break;
@@ -181,7 +181,7 @@ void SetPixMapRowValues(PixelWriteState* state, const Rect* clip, Point start, S
             Store16(row + ptrdiff_t{column + i} * 2, value(i));
         break;
     case 32:
-        CopyBytes(row + column * 4, bytes, count * 4);
+        CopyBytes(row + ptrdiff_t{column} * 4, bytes, count * 4);
         break;
     default:
         break;
@@ -245,9 +245,9 @@ SInt32 GetPixMapPixel(PixelWriteState* state, Point place)
     case 8:
         return static_cast<SInt8>(row[column]);
     case 16:
-        return static_cast<SInt32>(Load16(row + column * 2));
+        return static_cast<SInt32>(Load16(row + ptrdiff_t{column} * 2));
     case 32:
-        return static_cast<SInt32>(Load32(row + column * 4));
+        return static_cast<SInt32>(Load32(row + ptrdiff_t{column} * 4));
     default:
         return 0;
     }

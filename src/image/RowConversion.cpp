@@ -12,10 +12,10 @@
 namespace
 {
 
-constexpr int kBytesPer16bit = 2;
-constexpr int kBytesPer32bit = 4;
-constexpr int kBytesPerRGB = 3;
-constexpr int kBytesPerRGBA = 4;
+constexpr ptrdiff_t kBytesPer16bit = 2;
+constexpr ptrdiff_t kBytesPer32bit = 4;
+constexpr ptrdiff_t kBytesPerRGB = 3;
+constexpr ptrdiff_t kBytesPerRGBA = 4;
 constexpr int kColumnsInMask = 8;
 
 // Against the right and bottom coordinates, not width and height; and the row at the bottom, which
@@ -104,7 +104,7 @@ inline void StoreWide(UInt8* pixel, const UInt8* rgb)
 }
 
 // Four pixels from 16 bytes, of which 13 count: small enough to become one shuffle of a register.
-constexpr int kBlockPixels = 4;
+constexpr ptrdiff_t kBlockPixels = 4;
 constexpr int kBlockBytes = 16;
 
 inline void StoreBlock(UInt8* to, const UInt8* from)
@@ -119,7 +119,7 @@ inline void StoreBlock(UInt8* to, const UInt8* from)
 
 VORN_CPU_VERSIONS void WideRowFromRGB(UInt8* to, const UInt8* from, ptrdiff_t count)
 {
-    constexpr int kBlocks = 4;
+    constexpr ptrdiff_t kBlocks = 4;
     ptrdiff_t i = 0;
     // The last block reads three bytes too many, so one pixel must be left behind it.
     for (; i + kBlocks * kBlockPixels < count; i += kBlocks * kBlockPixels) {
@@ -210,7 +210,7 @@ void InterlacedRGBTo16bitGWorld(PixelWriteState* state, const UInt8* samples, SI
     if (!Takes(*state, 16, count, row))
         return;
     UInt8* const pixels = RowAddress(*state, row);
-    const int sampleBytes = hasAlpha ? kBytesPerRGBA : kBytesPerRGB;
+    const ptrdiff_t sampleBytes = hasAlpha ? kBytesPerRGBA : kBytesPerRGB;
     ForMaskedColumns(columnMask, count, [=](ptrdiff_t column) {
         Store555(pixels + column * kBytesPer16bit, samples + column * sampleBytes);
     });
