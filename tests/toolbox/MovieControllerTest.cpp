@@ -169,4 +169,18 @@ INSTANTIATE_TEST_SUITE_P(MovieController, ThumbAtTheEnd,
                          testing::Values("mpeg1.mpg", "mpeg2.mpg", "early.mpg", "video.m1v",
                                          "sound.mp3"));
 
+TEST(MovieController, HasItsThumbAtTheEndThoughPicturesWereCountedThatAreNeverShown)
+{
+    // A recording cut in the middle: pictures that need what was cut off come right at its start.
+    const std::string whole = Clip("video.m1v");
+    const std::string header = {"\0\0\1\xB3", 4};
+    OpenedMovie page(whole.substr(whole.find(header, whole.find(header) + 1)));
+    page.OpenAll();
+    page.ClickPlay();
+    page.PlayToEnd();
+    page.IdleUntilNothingIsPending();
+    page.Idle();
+    EXPECT_EQ(ThumbLeft(page), page.Bar().right - 32 - 8);
+}
+
 } // namespace

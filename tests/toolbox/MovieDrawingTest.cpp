@@ -62,7 +62,7 @@ TEST(MovieDrawing, FillsItsBoxAtEverySize)
     UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
     constexpr UInt8 kUntouched = 0xA5; // in the byte that drawing sets to zero
     for (SInt16 height = 1; height < 384; height = static_cast<SInt16>(height + 11)) {
-        for (SInt16 width = 8; width < 500; width = static_cast<SInt16>(width + 41)) {
+        for (SInt16 width = 1; width < 500; width = static_cast<SInt16>(width + 37)) {
             memset(pixels, kUntouched, static_cast<size_t>(rowBytes) * 400);
             const Rect bounds = {0, 0, static_cast<SInt16>(height + 16), width};
             MCSetControllerBoundsRect(page.controller, &bounds);
