@@ -133,4 +133,113 @@ TEST(CopyBits, CopiesWithinOneMapAsIfItWereTwo)
     }
 }
 
+class CopyToWindow : public testing::Test
+{
+protected:
+    CopyToWindow()
+    {
+        const Rect place = {100, 100, 140, 150};
+        CreateWindowPort(&place, &port);
+    }
+    ~CopyToWindow() override
+    {
+        SetPort(nullptr);
+        DisposeWindowPort(port);
+    }
+    const BitMap* Bits() const { return reinterpret_cast<const BitMap*>(*GetGWorldPixMap(port)); }
+
+    CGrafPtr port = nullptr;
+    OwnedWorld source = MakeWorld(16, {0, 0, 10, 10});
+};
+
+TEST_F(CopyToWindow, AddsWhatItDrewToTheDirtyRegion)
+{
+    const Rect from = {0, 0, 10, 20}; // the source ends at 10
+    const Rect to = {35, 5, 45, 25};
+    CopyBits(BitsOf(source), Bits(), &from, &to, srcCopy, nullptr);
+    const OwnedRegion dirty({});
+    EXPECT_TRUE(TakeDirtyRegion(port, dirty.handle));
+    ASSERT_EQ(CountRegionRects(dirty.handle), 1);
+    const Rect drawn = GetRegionRect(dirty.handle, 0);
+    const Rect expected = {35, 5, 40, 15};
+    EXPECT_TRUE(EqualRect(&drawn, &expected));
+}
+
+TEST_F(CopyToWindow, OfManySmallPicturesMarksAllOfThem)
+{
+    const Rect from = {0, 0, 1, 1};
+    for (SInt16 i = 0; i < 1000; ++i) { // every other pixel of 40 rows of 50
+        const auto v = static_cast<SInt16>(i / 25);
+        const auto h = static_cast<SInt16>(i % 25 * 2);
+        const Rect to = {v, h, static_cast<SInt16>(v + 1), static_cast<SInt16>(h + 1)};
+        CopyBits(BitsOf(source), Bits(), &from, &to, srcCopy, nullptr);
+    }
+    const OwnedRegion dirty({});
+    TakeDirtyRegion(port, dirty.handle);
+    EXPECT_EQ(CountRegionRects(dirty.handle), 25) << "columns of 40 rows";
+    EXPECT_FALSE(TakeDirtyRegion(port, nullptr));
+}
+
+TEST_F(CopyToWindow, EmptyRectsDrawNothing)
+{
+    const Rect empty = {3, 3, 3, 9};
+    const Rect full = {0, 0, 10, 10};
+    CopyBits(BitsOf(source), Bits(), &empty, &full, srcCopy, nullptr);
+    CopyBits(BitsOf(source), Bits(), &full, &empty, srcCopy, nullptr);
+    EXPECT_FALSE(TakeDirtyRegion(port, nullptr));
+}
+
+TEST_F(CopyToWindow, IsClippedByItsPortWhicheverIsCurrent)
+{
+    SetPort(port);
+    const OwnedRegion clip({2, 3, 4, 5});
+    SetClip(clip.handle);
+    SetPort(nullptr);
+    reference::SetValueAt(BitsOf(source), 3, 4, 0);
+    reference::SetValueAt(BitsOf(source), 4, 4, 0);
+    const Rect all = {0, 0, 10, 10};
+    CopyBits(BitsOf(source), Bits(), &all, &all, srcCopy, nullptr);
+    EXPECT_EQ(ColorAt(Bits(), 3, 4), (Components{0, 0, 0}));
+    EXPECT_EQ(ColorAt(Bits(), 4, 4), (Components{255, 255, 255}));
+}
+
+// Regions of more than one rectangle come about where two are joined.
+TEST(CopyBits, IsLimitedByRegionsOfManyRects)
+{
+    std::mt19937 random(10);
+    const Rect place = {0, 0, 30, 30};
+    CGrafPtr port = nullptr;
+    CreateWindowPort(&place, &port);
+    const OwnedWorld world = MakeWorld(32, place);
+    const OwnedRegion region({});
+    const Rect pixel = {0, 0, 1, 1};
+    const auto* const bits = reinterpret_cast<const BitMap*>(*GetGWorldPixMap(port));
+    for (SInt16 i = 0; i < 30; ++i) { // the diagonal
+        const Rect to = {i, i, static_cast<SInt16>(i + 1), static_cast<SInt16>(i + 1)};
+        CopyBits(BitsOf(world), bits, &pixel, &to, srcCopy, nullptr);
+    }
+    TakeDirtyRegion(port, region.handle);
+    DisposeWindowPort(port);
+    const OwnedWorld source = MakeWorld(8, place);
+    reference::FillWithNoise(source, random);
+    CopyBits(BitsOf(source), BitsOf(world), &place, &place, srcCopy, region.handle);
+    for (int i = 0; i < 900; ++i) {
+        const Components expected =
+            i / 30 == i % 30 ? ColorAt(BitsOf(source), i / 30, i % 30) : Components{255, 255, 255};
+        ASSERT_EQ(ColorAt(BitsOf(world), i / 30, i % 30), expected) << i;
+    }
+}
+
+TEST(CopyBits, MapsOfNoDepthDrawNothing)
+{
+    const OwnedWorld target = MakeWorld(32, {0, 0, 4, 4});
+    const Rect all = {0, 0, 4, 4};
+    PixMap odd = **GetGWorldPixMap(target.get());
+    std::array<char, 64> black{};
+    odd.baseAddr = black.data();
+    odd.pixelSize = 24;
+    CopyBits(reinterpret_cast<const BitMap*>(&odd), BitsOf(target), &all, &all, srcCopy, nullptr);
+    EXPECT_EQ(ValueAt(BitsOf(target), 0, 0), 0xFFFFFFFFU);
+}
+
 } // namespace

@@ -188,6 +188,34 @@ TEST_F(QuickDraw, RectsAreEqualInAllFourSides)
     EXPECT_FALSE(rect == (Rect{1, 2, 3, 0}));
 }
 
+Rect Mapped(Rect rect, const Rect& from, const Rect& to)
+{
+    MapRect(&rect, &from, &to);
+    return rect;
+}
+
+TEST_F(QuickDraw, MappingMovesAndScales)
+{
+    EXPECT_EQ(Mapped({10, 20, 20, 40}, {0, 0, 100, 100}, {5, 5, 205, 55}), (Rect{25, 15, 45, 25}));
+    EXPECT_EQ(Mapped({0, 0, 100, 100}, {0, 0, 100, 100}, {5, 5, 205, 55}), (Rect{5, 5, 205, 55}));
+}
+
+TEST_F(QuickDraw, MappingRoundsToTheNearest)
+{
+    EXPECT_EQ(Mapped({1, 1, 2, 2}, {0, 0, 3, 4}, {0, 0, 4, 3}), (Rect{1, 1, 3, 2}));
+    EXPECT_EQ(Mapped({-1, -1, 2, 2}, {0, 0, 3, 4}, {0, 0, 4, 3}), (Rect{-1, -1, 3, 2}));
+}
+
+TEST_F(QuickDraw, MappingBetweenRectsOfOneSizeOnlyMoves)
+{
+    EXPECT_EQ(Mapped({1, 2, 3, 4}, {10, 10, 17, 17}, {0, 20, 7, 27}), (Rect{-9, 12, -7, 14}));
+}
+
+TEST_F(QuickDraw, MappingFromARectOfNoSizeOnlyMoves)
+{
+    EXPECT_EQ(Mapped({1, 2, 3, 4}, {1, 1, 1, 1}, {5, 5, 9, 9}), (Rect{5, 6, 7, 8}));
+}
+
 TEST_F(QuickDraw, ARegionOfAnEmptyRectIsEmpty)
 {
     const OwnedRegion region({1, 2, 3, 4});

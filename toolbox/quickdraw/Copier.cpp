@@ -8,6 +8,7 @@
 #include "toolbox/quickdraw/Tinting.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace toolbox
 {
@@ -15,6 +16,7 @@ namespace
 {
 
 constexpr Tint kNoTint;
+constexpr int kMostPixelsInARow = 1 << 24; // whose bits can be counted
 
 ScalingScratch& SourceScratch()
 {
@@ -72,7 +74,8 @@ bool Copier::HasTargetsPixels() const
 Copier::Way Copier::ChooseWay() const
 {
     if (reader_.IsScaled()) {
-        return Way::kSpans;
+        const bool picks = !request_.HasMask() && reader_.Picks() && request_.target.depth >= 8;
+        return picks && HasTargetsPixels() ? Way::kPickRows : Way::kSpans;
     }
     const bool keepsPixels = HasTargetsPixels();
     if (request_.HasMask()) {
@@ -97,33 +100,67 @@ Rect Copier::Copy(const Rect& box)
     }
     if (way_ == Way::kSpans) {
         CopySpans(reachable);
+    } else if (way_ == Way::kPickRows) {
+        PickRows(reachable);
     } else {
         MoveRows(reachable);
     }
     return reachable;
 }
 
-// Downwards or upwards, so that a row is read before it is overwritten.
+// Downwards or upwards, so that a row is read before it is overwritten; rows without a gap between
+// them are one.
 void Copier::MoveRows(const Rect& box) const
 {
+    const PixelView& source = request_.source;
     const PixelView& target = request_.target;
+    const int width = WidthOf(box);
+    const int height = box.bottom - box.top;
+    const bool isOneRow = way_ != Way::kSelectRows && SInt64{width} * height <= kMostPixelsInARow &&
+                          width * source.depth == source.rowBytes * 8 &&
+                          width * target.depth == target.rowBytes * 8;
+    if (isOneRow) {
+        MoveRow(box.top, box.left, width * height);
+        return;
+    }
     const bool upwards = request_.from.top < request_.to.top;
-    const int fromColumn = reader_.Column(box.left);
-    const int toColumn = target.Column(box.left);
-    const int bytes = target.depth / 8;
-    for (int i = 0; i < box.bottom - box.top; ++i) {
-        const int v = upwards ? box.bottom - 1 - i : box.top + i;
-        const UInt8* const from = reader_.Row(v);
-        UInt8* const to = target.Row(v);
-        if (way_ == Way::kMoveRows) {
-            CopyRow(from, fromColumn, to, toColumn, target.depth, WidthOf(box));
-        } else if (way_ == Way::kWidenRows) {
-            Widen16To32(from + ptrdiff_t{fromColumn} * 2, to + ptrdiff_t{toColumn} * 4,
-                        WidthOf(box));
+    for (int i = 0; i < height; ++i) {
+        MoveRow(upwards ? box.bottom - 1 - i : box.top + i, box.left, width);
+    }
+}
+
+void Copier::MoveRow(int v, int h, int count) const
+{
+    const PixelView& target = request_.target;
+    const int depth = target.depth;
+    const int fromColumn = reader_.Column(h);
+    const int toColumn = target.Column(h);
+    const UInt8* const from = reader_.Row(v);
+    UInt8* const to = target.Row(v);
+    if (way_ == Way::kMoveRows) {
+        CopyRow(from, fromColumn, to, toColumn, depth, count);
+    } else if (way_ == Way::kWidenRows) {
+        Widen16To32(from + ptrdiff_t{fromColumn} * 2, to + ptrdiff_t{toColumn} * 4, count);
+    } else {
+        CopyMaskedPixels(from + ptrdiff_t{fromColumn} * (depth / 8),
+                         to + ptrdiff_t{toColumn} * (depth / 8), depth, count, maskReader_->Row(v),
+                         maskReader_->Column(h));
+    }
+}
+
+// A row of the source that shows up again is taken from the target, where it is ready.
+void Copier::PickRows(const Rect& box)
+{
+    reader_.Prepare(box);
+    const PixelView& target = request_.target;
+    const ptrdiff_t bytes = target.depth / 8;
+    const ptrdiff_t start = target.Column(box.left) * bytes;
+    for (int v = box.top; v < box.bottom; ++v) {
+        UInt8* const to = target.Row(v) + start;
+        if (v > box.top && reader_.PickedRow(v) == reader_.PickedRow(v - 1)) {
+            std::memcpy(to, to - target.rowBytes, static_cast<size_t>(WidthOf(box) * bytes));
         } else {
-            CopyMaskedPixels(from + ptrdiff_t{fromColumn} * bytes, to + ptrdiff_t{toColumn} * bytes,
-                             target.depth, WidthOf(box), maskReader_->Row(v),
-                             maskReader_->Column(box.left));
+            reader_.PickRow(v, to);
         }
     }
 }
@@ -143,43 +180,53 @@ void Copier::CopySpans(const Rect& box)
 
 void Copier::CopySpan(int v, int h, int count)
 {
-    std::array<Color, kSpan> colors;
-    reader_.Read(v, h, count, colors.data());
-    if (maskReader_) {
-        SelectSpan(colors.data(), v, h, count);
+    std::array<Color, kSpan> buffer;
+    const Color* const colors = reader_.Read(v, h, count, buffer.data());
+    if (!maskReader_) {
+        Store(request_.target.Row(v), request_.target.Column(h), count, colors, v, h);
+    } else if (HasBitMask()) {
+        SelectSpan(colors, v, h, count, maskReader_->Row(v), maskReader_->Column(h));
     } else {
-        Store(request_.target.Row(v), request_.target.Column(h), count, colors.data(), v, h);
+        BlendSpan(colors, v, h, count);
     }
 }
 
-// What the mask does not let through at all keeps its pixels to the bit, whatever the target's
-// pixels can express.
-void Copier::SelectSpan(const Color* colors, int v, int h, int count)
+// Makes the pixels apart, so that what the mask does not let through is not touched.
+void Copier::SelectSpan(const Color* colors, int v, int h, int count, const UInt8* mask,
+                        int maskColumn)
 {
     const PixelView& target = request_.target;
     const int column = target.Column(h);
     const int columnInGroup = column % 8;
-    UInt8* const group = target.Row(v) + ptrdiff_t{column - columnInGroup} * target.depth / 8;
     std::array<UInt8, (kSpan + 8) * sizeof(Color)> pixels;
-    if (HasBitMask()) {
-        Store(pixels.data(), columnInGroup, count, colors, v, h);
-        CopyMaskedRow(pixels.data(), group, target.depth, columnInGroup, count, maskReader_->Row(v),
-                      maskReader_->Column(h));
-        return;
-    }
-    std::array<Color, kSpan> mask;
+    Store(pixels.data(), columnInGroup, count, colors, v, h);
+    UInt8* const group = target.Row(v) + ptrdiff_t{column - columnInGroup} * target.depth / 8;
+    CopyMaskedRow(pixels.data(), group, target.depth, columnInGroup, count, mask, maskColumn);
+}
+
+void Copier::BlendSpan(const Color* colors, int v, int h, int count)
+{
+    const PixelView& target = request_.target;
+    UInt8* const row = target.Row(v);
+    const int column = target.Column(h);
+    std::array<Color, kSpan> maskBuffer;
     std::array<Color, kSpan> under;
     std::array<Color, kSpan> blended;
-    std::array<UInt8, kSpan / 8> opaque;
-    maskReader_->Read(v, h, count, mask.data());
-    const Palette* const palette =
-        target.IsIndexed() ? &PaletteOf(target.colors, target.depth) : nullptr;
-    FetchSpan(target.Row(v), target.depth, column, count, palette, under.data());
+    const Color* const mask = maskReader_->Read(v, h, count, maskBuffer.data());
     std::copy(colors, colors + count, blended.begin());
-    BlendColors(mask.data(), under.data(), count, blended.data());
-    Store(pixels.data(), columnInGroup, count, blended.data(), v, h);
-    MaskOfNonWhite(mask.data(), count, opaque.data());
-    CopyMaskedRow(pixels.data(), group, target.depth, columnInGroup, count, opaque.data(), 0);
+    if (!target.IsIndexed()) {
+        FetchWholeSpan(row, target.depth, column, count, under.data());
+        BlendColors(mask, under.data(), count, blended.data());
+        Store(row, column, count, blended.data(), v, h);
+        return;
+    }
+    // An entry that a table has twice must not become the other one.
+    std::array<UInt8, kSpan / 8> letThrough;
+    FetchSpan(row, target.depth, column, count, &PaletteOf(target.colors, target.depth),
+              under.data());
+    BlendColors(mask, under.data(), count, blended.data());
+    MaskOfNonWhite(mask, count, letThrough.data());
+    SelectSpan(blended.data(), v, h, count, letThrough.data(), 0);
 }
 
 void Copier::Store(UInt8* row, int column, int count, const Color* colors, int v, int h) const

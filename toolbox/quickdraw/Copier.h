@@ -36,15 +36,19 @@ public:
     Rect Copy(const Rect& box);
 
 private:
-    enum class Way { kMoveRows, kWidenRows, kSelectRows, kSpans };
+    enum class Way { kMoveRows, kWidenRows, kSelectRows, kPickRows, kSpans };
     Way ChooseWay() const;
     bool HasTargetsPixels() const;
     bool HasBitMask() const { return request_.mask.depth == 1 && !maskReader_->IsScaled(); }
 
     void MoveRows(const Rect& box) const;
+    void MoveRow(int v, int h, int count) const;
+    void PickRows(const Rect& box);
     void CopySpans(const Rect& box);
     void CopySpan(int v, int h, int count);
-    void SelectSpan(const Color* colors, int v, int h, int count);
+    void SelectSpan(const Color* colors, int v, int h, int count, const UInt8* mask,
+                    int maskColumn);
+    void BlendSpan(const Color* colors, int v, int h, int count);
     void Store(UInt8* row, int column, int count, const Color* colors, int v, int h) const;
 
     const CopyRequest& request_;

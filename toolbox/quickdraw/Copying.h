@@ -45,8 +45,8 @@ typedef struct PixMap {
     Rect bounds;
     SInt16 pmVersion;
     SInt16 packType;
-    SInt32 packSize;
-    Fixed hRes; /* pixels an inch, 72.0 */
+    SInt32 packSize; /* the row bytes where they do not fit 14 bits, as rows of up to 65535 do */
+    Fixed hRes;      /* pixels an inch, 72.0 */
     Fixed vRes;
     SInt16 pixelType; /* 0: indices, 16: direct colours */
     SInt16 pixelSize; /* bits a pixel */
@@ -61,22 +61,26 @@ TOOLBOX_STATIC_ASSERT(offsetof(PixMap, bounds) == offsetof(BitMap, bounds), "the
 
 enum { srcCopy = 0, ditherCopy = 64 };
 
-/* Copies `srcRect` of one map onto `dstRect` of another, scaled where their sizes differ. A map is
- * passed as the platform does it: the address of a PixMap, cast. Copying within one map may
- * overlap. Drawn is what lies in the target's bounds, in the clip region of the port whose pixels
- * they are, and in `maskRgn` (target's coordinates; null: no limit); that is added to the port's
- * dirty region. Where the source is one bit deep without a colour table of its own to speak of
- * (black on white), its set pixels become the port's foreground and its clear ones its background
- * colour; other sources are tinted likewise (black to foreground, white to background). Mode
- * ditherCopy dithers where colours get lost, any other mode copies. An empty rectangle copies
- * nothing. */
+/* Copies `srcRect` of one map onto `dstRect` of another, scaled where their sizes differ: where a
+ * direction shrinks areas are averaged, where it grows the nearest pixel is taken. A map is passed
+ * as the platform does it: the address of a PixMap, cast. Copying within one map may overlap.
+ * Drawn is what the source has pixels for and what lies in the target's bounds, in the clip region
+ * of the port whose pixels they are, and in `maskRgn` (target's coordinates; null: no limit); that
+ * is added to the port's dirty region. The same port's colours tint what is copied, component by
+ * component: black becomes its foreground, white its background colour; so do the set and the
+ * clear pixels of a bit map. Mode ditherCopy dithers from 32 bits to 16 and to indices of colours
+ * that a table does not have, by a pattern that is fixed to the target's coordinates; any other
+ * mode cuts off or takes the nearest colour. Colours of tables are remembered by the tables'
+ * seeds. While the current port records a picture, copies to it are recorded instead. An empty
+ * rectangle copies nothing. */
 TOOLBOX_EXPORT void CopyBits(const BitMap* srcBits, const BitMap* dstBits, const Rect* srcRect,
                              const Rect* dstRect, SInt16 mode, RgnHandle maskRgn);
-/* The same through a mask over the source: black pixels (set bits) of `maskRect` let the source's
- * pixel through, white ones keep the target's. */
+/* The same, in mode srcCopy, through a mask over the source: black pixels (set bits) of `maskRect`
+ * let the source's pixel through, white ones keep the target's exactly. */
 TOOLBOX_EXPORT void CopyMask(const BitMap* srcBits, const BitMap* maskBits, const BitMap* dstBits,
                              const Rect* srcRect, const Rect* maskRect, const Rect* dstRect);
-/* The same through a mask of any depth, whose greys blend, component by component. */
+/* The same through a mask of any depth, whose greys blend, component by component. The unused bits
+ * of direct pixels that a deeper mask than one of one bit draws to stay as they are. */
 TOOLBOX_EXPORT void CopyDeepMask(const BitMap* srcBits, const BitMap* maskBits,
                                  const BitMap* dstBits, const Rect* srcRect, const Rect* maskRect,
                                  const Rect* dstRect, SInt16 mode, RgnHandle maskRgn);

@@ -22,14 +22,14 @@ const DitherRow<UInt16>& DitherBiases(int v);
 
 // The 16-bit pixel of a colour. A component of 5 bits that was widened to 8 comes back as it was
 // with any bias: so copying to 32 bits and back changes nothing.
-inline UInt16 Dithered555(Color color, UInt16 bias)
+inline UInt16 Dithered555(Color color, UInt32 bias)
 {
     const auto narrow = [bias](UInt32 component) {
-        const UInt32 sum = component * 31 + bias;
-        return (sum * 0x8081U) >> 23; // divided by 255
+        const UInt32 sum = (component << 5) - component + bias; // 31 steps
+        return (sum + 1 + (sum >> 8)) >> 8;                     // divided by 255
     };
-    return static_cast<UInt16>(narrow(color >> 16 & 0xFF) << 10 | narrow(color >> 8 & 0xFF) << 5 |
-                               narrow(color & 0xFF));
+    return static_cast<UInt16>((color >> 16 & 0x8000) | narrow(color >> 16 & 0xFF) << 10 |
+                               narrow(color >> 8 & 0xFF) << 5 | narrow(color & 0xFF));
 }
 
 // The value for a colour at (v, h); without dithering where the palette has that very colour.

@@ -26,18 +26,21 @@ inline UInt32 EightBits(const UInt8* mask, int column, int count)
     return bits & 0xFF & ~(0xFFU >> std::min(count, 8));
 }
 
+// Eight pixels at once, whatever a pixel is; every lane looks at its own bit.
 template <typename Pixel>
 inline void SelectEight(const UInt8* from, UInt8* to, UInt32 bits)
 {
-    Pixel source[8];
-    Pixel target[8];
-    std::memcpy(source, from, sizeof source);
-    std::memcpy(target, to, sizeof target);
-    for (unsigned i = 0; i < 8; ++i) {
-        const auto selected = static_cast<Pixel>(-static_cast<SInt32>(bits >> (7 - i) & 1));
-        target[i] = static_cast<Pixel>((source[i] & selected) | (target[i] & ~selected));
-    }
-    std::memcpy(to, target, sizeof target);
+    typedef Pixel Eight
+        __attribute__((vector_size(8 * sizeof(Pixel)))); // NOLINT(modernize-use-using)
+    constexpr Eight kLaneBits = {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01};
+    Eight source;
+    Eight target;
+    std::memcpy(&source, from, sizeof source);
+    std::memcpy(&target, to, sizeof target);
+    const Eight selected =
+        reinterpret_cast<Eight>((kLaneBits & static_cast<Pixel>(bits)) == kLaneBits);
+    target = (source & selected) | (target & ~selected);
+    std::memcpy(to, &target, sizeof target);
 }
 
 template <typename Pixel>

@@ -48,8 +48,29 @@ inline Color ColorFrom555(UInt32 pixel)
 
 inline UInt16 Truncated555(Color color)
 {
-    return static_cast<UInt16>((color >> 9 & 0x7C00) | (color >> 6 & 0x03E0) |
-                               (color >> 3 & 0x001F));
+    return static_cast<UInt16>((color >> 16 & 0x8000) | (color >> 9 & 0x7C00) |
+                               (color >> 6 & 0x03E0) | (color >> 3 & 0x001F));
+}
+
+using Words = UInt16 __attribute__((vector_size(32)));
+constexpr ptrdiff_t kWords = sizeof(Words) / sizeof(UInt16);
+
+// Sixteen pixels in lanes of 16 bits, as a little-endian machine loads them: the low byte is
+// 0RRRRRGG, the high one GGGBBBBB. A component c of 5 bits widens to 33 * c / 4.
+inline void WidenWords(const UInt8* from, UInt8* to)
+{
+    constexpr Words kFirstHalf = {0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23};
+    constexpr Words kSecondHalf = kFirstHalf + 8;
+    Words pixels;
+    std::memcpy(&pixels, from, sizeof pixels);
+    const Words red = ((pixels & 0x007C) * (33 << 4)) & 0xFF00;
+    const Words blue = (((pixels & 0x1F00) >> 2) * 33) & 0xFF00;
+    const Words green = (((pixels << 3 | pixels >> 13) & 0x001F) * 33) >> 2;
+    const Words greenAndBlue = green | blue;
+    const Words first = __builtin_shuffle(red, greenAndBlue, kFirstHalf);
+    const Words second = __builtin_shuffle(red, greenAndBlue, kSecondHalf);
+    std::memcpy(to, &first, sizeof first);
+    std::memcpy(to + sizeof first, &second, sizeof second);
 }
 
 VORN_CPU_VERSIONS void Fetch32(const UInt8* from, int count, Color* colors)
@@ -63,6 +84,21 @@ VORN_CPU_VERSIONS void Fetch16(const UInt8* from, int count, Color* colors)
 {
     for (ptrdiff_t i = 0; i < count; ++i) {
         colors[i] = ColorFrom555(Load<UInt16>(from + 2 * i));
+    }
+}
+
+VORN_CPU_VERSIONS void FetchWhole32(const UInt8* from, int count, Color* colors)
+{
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        colors[i] = Load<UInt32>(from + 4 * i);
+    }
+}
+
+VORN_CPU_VERSIONS void FetchWhole16(const UInt8* from, int count, Color* colors)
+{
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const UInt32 pixel = Load<UInt16>(from + 2 * i);
+        colors[i] = ColorFrom555(pixel) | (pixel & 0x8000) << 16;
     }
 }
 
@@ -81,11 +117,19 @@ VORN_CPU_VERSIONS void Store16(UInt8* to, int count, const Color* colors)
 }
 
 VORN_CPU_VERSIONS void StoreDithered16(UInt8* to, int count, const Color* colors,
-                                       const DitherRow<UInt16>& biases, int h)
+                                       const UInt16* biases)
 {
-    const UInt16* const bias = biases.data() + (h & (kDitherSize - 1));
-    for (ptrdiff_t i = 0; i < count; ++i) {
-        Store<UInt16>(to + 2 * i, Dithered555(colors[i], bias[i & (kDitherSize - 1)]));
+    ptrdiff_t i = 0;
+    for (; i + kDitherSize <= count; i += kDitherSize) {
+        std::array<UInt16, kDitherSize> pixels;
+        for (size_t cell = 0; cell < kDitherSize; ++cell) {
+            pixels[cell] =
+                BigEndian(Dithered555(colors[i + static_cast<ptrdiff_t>(cell)], biases[cell]));
+        }
+        std::memcpy(to + 2 * i, pixels.data(), sizeof pixels);
+    }
+    for (ptrdiff_t cell = 0; i < count; ++i, ++cell) {
+        Store<UInt16>(to + 2 * i, Dithered555(colors[i], biases[cell]));
     }
 }
 
@@ -116,6 +160,15 @@ void FetchSpan(const UInt8* row, int depth, int column, int count, const Palette
         Fetch16(row + ptrdiff_t{column} * 2, count, colors);
     } else {
         FetchIndices(row, depth, column, count, palette->colors.data(), colors);
+    }
+}
+
+void FetchWholeSpan(const UInt8* row, int depth, int column, int count, Color* colors)
+{
+    if (depth == 32) {
+        FetchWhole32(row + ptrdiff_t{column} * 4, count, colors);
+    } else {
+        FetchWhole16(row + ptrdiff_t{column} * 2, count, colors);
     }
 }
 
@@ -154,7 +207,8 @@ void StoreDitheredSpan(UInt8* row, int depth, int column, int count, const Color
                        ColorSearch* search, int v, int h)
 {
     if (depth == 16) {
-        StoreDithered16(row + ptrdiff_t{column} * 2, count, colors, DitherBiases(v), h);
+        StoreDithered16(row + ptrdiff_t{column} * 2, count, colors,
+                        DitherBiases(v).data() + (h & (kDitherSize - 1)));
         return;
     }
     std::array<UInt8, kSpan> values;
@@ -185,7 +239,13 @@ void FillSpan(UInt8* row, int depth, int column, int count, UInt32 pixel)
 
 VORN_CPU_VERSIONS void Widen16To32(const UInt8* from, UInt8* to, int count)
 {
-    for (ptrdiff_t i = 0; i < count; ++i) {
+    ptrdiff_t i = 0;
+    if constexpr (std::endian::native == std::endian::little) {
+        for (; i + kWords <= count; i += kWords) {
+            WidenWords(from + 2 * i, to + 4 * i);
+        }
+    }
+    for (; i < count; ++i) {
         Store<UInt32>(to + 4 * i, ColorFrom555(Load<UInt16>(from + 2 * i)));
     }
 }

@@ -14,6 +14,9 @@ inline constexpr int kSpan = 512; // the most colours that are worked on at once
 // `palette` is needed for indices only.
 void FetchSpan(const UInt8* row, int depth, int column, int count, const Palette* palette,
                Color* colors);
+// The same for direct pixels; a color's highest byte (at 16 bits, its highest bit) is what the
+// pixel has besides the color, and storing puts it back.
+void FetchWholeSpan(const UInt8* row, int depth, int column, int count, Color* colors);
 // `search` is needed for indices only.
 void StoreSpan(UInt8* row, int depth, int column, int count, const Color* colors,
                ColorSearch* search);

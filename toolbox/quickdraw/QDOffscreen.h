@@ -16,17 +16,22 @@ enum {
     pixelsLocked = 1 << 7
 };
 
-/* Makes a graphics world of `pixelDepth` bits a pixel (1, 2, 4, 8, 16 or 32; 0 means 32), white,
- * with a copy of the colour table (null: the platform's table of that depth; not looked at for
- * direct colours). `device` must be null. *world is null on failure: paramErr for bounds that are
- * empty, too wide for row bytes of 14 bits, or another depth; memFullErr. The caller owns it. */
+/* Makes a graphics world of `pixelDepth` bits a pixel (1, 2, 4, 8, 16 or 32; 0 means 32), white
+ * (the nearest to it that its table has), with a copy of the colour table (null: the platform's
+ * table of that depth; not looked at for direct colours). The copy has the table's seed, or a new
+ * one if that is 0. Behind the pixels there is memory for one row and one pixel more. `device` must
+ * be null. *world is null on failure: paramErr for bounds that are empty or need more than 65535
+ * row bytes (32 bits: wider than 16383 pixels), or another depth; memFullErr. The caller owns
+ * it. */
 TOOLBOX_EXPORT OSErr NewGWorld(GWorldPtr* world, SInt16 pixelDepth, const Rect* bounds,
                                CTabHandle colors, GDHandle device, GWorldFlags flags);
 /* Null is allowed. */
 TOOLBOX_EXPORT void DisposeGWorld(GWorldPtr world);
-/* The pixel map of a graphics world or a window's port; it belongs to the port. */
+/* The pixel map of a graphics world or a window's port; it belongs to the port, and its handle is
+ * none of the Memory Manager's. */
 TOOLBOX_EXPORT PixMapHandle GetGWorldPixMap(GWorldPtr world);
-/* Keeps the pixels where they are until they are unlocked; false if there are none. */
+/* Keeps the pixels where they are until they are unlocked; false if there are none. This and what
+ * follows is for handles that GetGWorldPixMap gave. */
 TOOLBOX_EXPORT Boolean LockPixels(PixMapHandle pixels);
 TOOLBOX_EXPORT void UnlockPixels(PixMapHandle pixels);
 /* The flags above, to be put back later. */

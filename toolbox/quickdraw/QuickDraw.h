@@ -6,7 +6,7 @@
  * Pixel memory is big-endian on every machine: at 32 bits a pixel is the bytes x, R, G, B.
  * Coordinates are local to the current port unless said otherwise. The current port and device
  * belong to the thread; a new thread starts with its maker's. Drawing is clipped to the port's
- * clip region and bounds, and what it touched is added to the port's dirty region.
+ * clip region and bounds, and what it touched in a window's port is added to its dirty region.
  */
 #ifndef VORN_TOOLBOX_QUICKDRAW_H
 #define VORN_TOOLBOX_QUICKDRAW_H
@@ -33,6 +33,7 @@ TOOLBOX_EXPORT void GetPort(CGrafPtr* port);
 TOOLBOX_EXPORT void SetPort(CGrafPtr port);
 /* The current port and its device. */
 TOOLBOX_EXPORT void GetGWorld(CGrafPtr* port, GDHandle* device);
+/* A graphics world brings its own device, whatever is given. */
 TOOLBOX_EXPORT void SetGWorld(CGrafPtr port, GDHandle device);
 /* The port's bounds in its own coordinates; returns `bounds`. */
 TOOLBOX_EXPORT Rect* GetPortBounds(CGrafPtr port, Rect* bounds);
@@ -48,8 +49,8 @@ TOOLBOX_EXPORT void RGBForeColor(const RGBColor* color);
 TOOLBOX_EXPORT void RGBBackColor(const RGBColor* color);
 /* Fills the rectangle, as far as the current port's clip lets it, with the background colour. */
 TOOLBOX_EXPORT void EraseRect(const Rect* rect);
-/* The index of the nearest colour in the current device's colour table; the pixel value itself
- * where the device has none. */
+/* The index of the nearest colour in the current device's colour table; where that has none, the
+ * pixel value itself: of 16 bits on a device of 16, else of 32. */
 TOOLBOX_EXPORT SInt32 Color2Index(const RGBColor* color);
 /* A number that no colour table has had for its seed in this process. */
 TOOLBOX_EXPORT SInt32 GetCTSeed(void);
@@ -57,7 +58,8 @@ TOOLBOX_EXPORT SInt32 GetCTSeed(void);
 /* Moves a rectangle. Coordinates wrap at 16 bits, as the platform's do. */
 TOOLBOX_EXPORT void OffsetRect(Rect* rect, SInt16 dh, SInt16 dv);
 TOOLBOX_EXPORT Boolean EqualRect(const Rect* a, const Rect* b);
-/* Moves and scales `rect` as `from` would have to be to become `to`. */
+/* Moves and scales `rect` as `from` would have to be to become `to`. Sides are rounded to the
+ * nearest; a `from` of no size only moves. */
 TOOLBOX_EXPORT void MapRect(Rect* rect, const Rect* from, const Rect* to);
 /* Adds the current port's origin on the screen to a local point. */
 TOOLBOX_EXPORT void LocalToGlobal(Point* point);

@@ -3,6 +3,7 @@
 
 #include "toolbox/CpuVersions.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace toolbox
@@ -22,23 +23,50 @@ inline FourFloats LoadFour(const float* from)
 
 inline Color ColorFromFour(FourFloats components)
 {
+    using FourBytes = UInt8 __attribute__((vector_size(4)));
     const FourInts rounded = __builtin_convertvector(components + 0.5F, FourInts);
-    Color color = 0;
-    auto* const bytes = reinterpret_cast<UInt8*>(&color);
-    for (size_t i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<UInt8>(rounded[i]);
-    }
+    const FourBytes bytes = __builtin_convertvector(rounded, FourBytes);
+    Color color;
+    std::memcpy(&color, &bytes, sizeof color);
     return color;
 }
 
+SourceRange MakeRange(int first, int last, float firstWeight, float lastWeight)
+{
+    if (first == last) {
+        return {first, last, 1, 0, 1};
+    }
+    const float between = static_cast<float>(last - first - 1);
+    return {first, last, firstWeight, lastWeight, 1 / (firstWeight + between + lastWeight)};
+}
+
+template <typename Pixel>
+void Pick(const UInt8* from, const SourceRange* columns, int count, UInt8* to)
+{
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        std::memcpy(to + i * ptrdiff_t{sizeof(Pixel)},
+                    from + columns[i].first * ptrdiff_t{sizeof(Pixel)}, sizeof(Pixel));
+    }
+}
+
 } // namespace
+
+SourceRange SourceRange::Within(int low, int high) const
+{
+    if (first >= low && last < high) {
+        return *this;
+    }
+    const int start = std::max(first, low);
+    const int end = std::min(last, high - 1);
+    return MakeRange(start, end, WeightOf(start), WeightOf(end));
+}
 
 SourceRange Axis::RangeOf(int target) const
 {
     const SInt64 place = SInt64{target} - to;
     if (!Averages()) {
         const int nearest = from + static_cast<int>((2 * place + 1) * fromSize / (2 * toSize));
-        return {nearest, nearest, 1, 0};
+        return MakeRange(nearest, nearest, 1, 0);
     }
     const SInt64 start = place * fromSize;
     const SInt64 end = start + fromSize;
@@ -47,27 +75,33 @@ SourceRange Axis::RangeOf(int target) const
     const auto unit = static_cast<float>(toSize);
     const auto before = static_cast<float>(start - SInt64{first} * toSize);
     const auto inside = static_cast<float>(end - SInt64{last} * toSize);
-    return {from + first, from + last, 1 - before / unit, inside / unit};
+    return MakeRange(from + first, from + last, 1 - before / unit, inside / unit);
 }
 
-VORN_CPU_VERSIONS void SetSums(const Color* colors, int count, float weight, float* sums)
+VORN_CPU_VERSIONS void SetSums(const Color* row, float weight, const Color* nextRow,
+                               float nextWeight, int count, float* sums)
 {
-    const auto* const components = reinterpret_cast<const UInt8*>(colors);
+    const auto* const components = reinterpret_cast<const UInt8*>(row);
+    const auto* const nextComponents = reinterpret_cast<const UInt8*>(nextRow);
     for (ptrdiff_t i = 0; i < ptrdiff_t{4} * count; ++i) {
-        sums[i] = weight * static_cast<float>(components[i]);
+        sums[i] = weight * static_cast<float>(components[i]) +
+                  nextWeight * static_cast<float>(nextComponents[i]);
     }
 }
 
-VORN_CPU_VERSIONS void AddToSums(const Color* colors, int count, float weight, float* sums)
+VORN_CPU_VERSIONS void AddToSums(const Color* row, float weight, const Color* nextRow,
+                                 float nextWeight, int count, float* sums)
 {
-    const auto* const components = reinterpret_cast<const UInt8*>(colors);
+    const auto* const components = reinterpret_cast<const UInt8*>(row);
+    const auto* const nextComponents = reinterpret_cast<const UInt8*>(nextRow);
     for (ptrdiff_t i = 0; i < ptrdiff_t{4} * count; ++i) {
-        sums[i] += weight * static_cast<float>(components[i]);
+        sums[i] += weight * static_cast<float>(components[i]) +
+                   nextWeight * static_cast<float>(nextComponents[i]);
     }
 }
 
-void AverageSums(const float* sums, const SourceRange* columns, int count, float scale,
-                 Color* colors)
+VORN_CPU_VERSIONS void AverageSums(const float* sums, const SourceRange* columns, int count,
+                                   float rowScale, Color* colors)
 {
     for (int i = 0; i < count; ++i) {
         const SourceRange& range = columns[i];
@@ -75,18 +109,30 @@ void AverageSums(const float* sums, const SourceRange* columns, int count, float
         for (ptrdiff_t column = range.first + 1; column < range.last; ++column) {
             sum += LoadFour(sums + 4 * column);
         }
-        if (range.last > range.first) {
-            sum += LoadFour(sums + ptrdiff_t{4} * range.last) * range.lastWeight;
-        }
-        colors[i] = ColorFromFour(sum * (scale / range.Total()));
+        sum += LoadFour(sums + ptrdiff_t{4} * range.last) * range.lastWeight;
+        colors[i] = ColorFromFour(sum * (rowScale * range.scale));
+    }
+}
+
+void PickPixels(const UInt8* from, const SourceRange* columns, int depth, int count, UInt8* to)
+{
+    switch (depth) {
+    case 8:
+        Pick<UInt8>(from, columns, count, to);
+        break;
+    case 16:
+        Pick<UInt16>(from, columns, count, to);
+        break;
+    default:
+        Pick<UInt32>(from, columns, count, to);
+        break;
     }
 }
 
 void PickColors(const Color* from, const SourceRange* columns, int count, Color* colors)
 {
-    for (int i = 0; i < count; ++i) {
-        colors[i] = from[columns[i].first];
-    }
+    Pick<Color>(reinterpret_cast<const UInt8*>(from), columns, count,
+                reinterpret_cast<UInt8*>(colors));
 }
 
 } // namespace toolbox

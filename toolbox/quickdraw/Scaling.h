@@ -16,13 +16,15 @@ struct SourceRange {
     int first;
     int last;
     float firstWeight;
-    float lastWeight;
+    float lastWeight; // of a single column: 0
+    float scale;      // one over all weights
 
-    float Total() const
+    float WeightOf(int column) const
     {
-        return first == last ? firstWeight
-                             : firstWeight + lastWeight + static_cast<float>(last - first - 1);
+        return column == first ? firstWeight : column == last ? lastWeight : 1;
     }
+    // Only what lies in [low, high), which must be something.
+    SourceRange Within(int low, int high) const;
 };
 
 // One direction of a scaled copy: [from, from + fromSize) of the source onto [to, to + toSize) of
@@ -38,14 +40,19 @@ struct Axis {
     SourceRange RangeOf(int target) const;
 };
 
-// Averaging goes down the columns first: `sums` are four components for each source column.
-void SetSums(const Color* colors, int count, float weight, float* sums);
-void AddToSums(const Color* colors, int count, float weight, float* sums);
-// ... and then along the row. `columns` count from the first of the sums; `scale` is one over the
-// weight of the rows.
-void AverageSums(const float* sums, const SourceRange* columns, int count, float scale,
+// Averaging goes down the columns first, two rows at a time: `sums` are four components for each
+// source column.
+void SetSums(const Color* row, float weight, const Color* nextRow, float nextWeight, int count,
+             float* sums);
+void AddToSums(const Color* row, float weight, const Color* nextRow, float nextWeight, int count,
+               float* sums);
+// ... and then along the row. `columns` count from the first of the sums; `rowScale` is one over
+// the weight of the rows.
+void AverageSums(const float* sums, const SourceRange* columns, int count, float rowScale,
                  Color* colors);
 
+// Pixels of `depth` bits (8, 16 or 32) by their columns, as they are.
+void PickPixels(const UInt8* from, const SourceRange* columns, int depth, int count, UInt8* to);
 // Colours by their columns.
 void PickColors(const Color* from, const SourceRange* columns, int count, Color* colors);
 

@@ -29,20 +29,6 @@ void LimitTo(const Axis& axis, int low, int high, SInt16& first, SInt16& end)
     }
 }
 
-// What there is of a range: an average leaves out what lies outside of the map.
-SourceRange Limited(SourceRange range, int low, int high)
-{
-    if (range.first < low) {
-        range.first = low;
-        range.firstWeight = range.last == low ? range.lastWeight : 1;
-    }
-    if (range.last >= high) {
-        range.lastWeight = 1;
-        range.last = high - 1;
-    }
-    return range;
-}
-
 } // namespace
 
 SpanReader::SpanReader(const PixelView& view, const Rect& from, const Rect& to, const Tint& tint,
@@ -79,8 +65,8 @@ void SpanReader::Prepare(const Rect& box)
     scratch_.columns.resize(count);
     scratch_.made.resize(count);
     for (size_t i = 0; i < count; ++i) {
-        scratch_.columns[i] = Limited(columns_.RangeOf(box.left + static_cast<int>(i)),
-                                      view_.bounds.left, view_.bounds.right);
+        scratch_.columns[i] = columns_.RangeOf(box.left + static_cast<int>(i))
+                                  .Within(view_.bounds.left, view_.bounds.right);
     }
     firstColumn_ = scratch_.columns.front().first;
     columnCount_ = scratch_.columns.back().last + 1 - firstColumn_;
@@ -89,23 +75,30 @@ void SpanReader::Prepare(const Rect& box)
         range.last -= firstColumn_;
     }
     scratch_.fetched.resize(static_cast<size_t>(columnCount_));
-    if (rows_.Averages() || columns_.Averages()) {
+    if (!Picks()) {
         scratch_.sums.resize(static_cast<size_t>(columnCount_) * 4);
     }
 }
 
-void SpanReader::Read(int v, int h, int count, Color* colors)
+const Color* SpanReader::Read(int v, int h, int count, Color* buffer)
 {
     if (!IsScaled()) {
-        Fetch(v - rows_.to + rows_.from, h - columns_.to + columns_.from, count, colors);
-        return;
+        Fetch(v - rows_.to + rows_.from, h - columns_.to + columns_.from, count, buffer);
+        return buffer;
     }
     if (madeRow_ != v) {
         MakeRow(v);
         madeRow_ = v;
     }
-    std::memcpy(colors, scratch_.made.data() + (h - box_.left),
-                static_cast<size_t>(count) * sizeof(Color));
+    return scratch_.made.data() + (h - box_.left);
+}
+
+void SpanReader::PickRow(int v, UInt8* to) const
+{
+    const UInt8* const from =
+        view_.Row(PickedRow(v)) + ptrdiff_t{view_.Column(firstColumn_)} * (view_.depth / 8);
+    PickPixels(from, scratch_.columns.data(), view_.depth,
+               static_cast<int>(scratch_.columns.size()), to);
 }
 
 void SpanReader::Fetch(int row, int column, int count, Color* colors) const
@@ -118,9 +111,9 @@ void SpanReader::Fetch(int row, int column, int count, Color* colors) const
 
 void SpanReader::MakeRow(int v)
 {
-    const SourceRange rows = Limited(rows_.RangeOf(v), view_.bounds.top, view_.bounds.bottom);
+    const SourceRange rows = rows_.RangeOf(v).Within(view_.bounds.top, view_.bounds.bottom);
     const auto count = static_cast<int>(scratch_.columns.size());
-    if (!rows_.Averages() && !columns_.Averages()) {
+    if (Picks()) {
         if (fetchedRow_ == rows.first) {
             return; // the row that was made last comes from the same row of the map
         }
@@ -129,7 +122,7 @@ void SpanReader::MakeRow(int v)
         return;
     }
     SumRows(rows);
-    AverageSums(scratch_.sums.data(), scratch_.columns.data(), count, 1 / rows.Total(),
+    AverageSums(scratch_.sums.data(), scratch_.columns.data(), count, rows.scale,
                 scratch_.made.data());
 }
 
@@ -139,18 +132,21 @@ void SpanReader::FetchNearestRow(int row)
     fetchedRow_ = row;
 }
 
+// Two rows at a time, in pieces that stay in the nearest cache.
 void SpanReader::SumRows(const SourceRange& rows)
 {
-    for (int row = rows.first; row <= rows.last; ++row) {
-        const float weight = row == rows.first  ? rows.firstWeight
-                             : row == rows.last ? rows.lastWeight
-                                                : 1;
-        for (int done = 0; done < columnCount_; done += kSpan) {
-            std::array<Color, kSpan> colors;
-            const int count = std::min(kSpan, columnCount_ - done);
+    for (int done = 0; done < columnCount_; done += kSpan) {
+        std::array<Color, kSpan> colors;
+        std::array<Color, kSpan> nextColors;
+        const int count = std::min(kSpan, columnCount_ - done);
+        float* const sums = scratch_.sums.data() + ptrdiff_t{4} * done;
+        for (int row = rows.first; row <= rows.last; row += 2) {
+            const bool hasNext = row < rows.last;
             Fetch(row, firstColumn_ + done, count, colors.data());
-            float* const sums = scratch_.sums.data() + ptrdiff_t{4} * done;
-            (row == rows.first ? SetSums : AddToSums)(colors.data(), count, weight, sums);
+            Fetch(hasNext ? row + 1 : row, firstColumn_ + done, count, nextColors.data());
+            const float nextWeight = hasNext ? rows.WeightOf(row + 1) : 0;
+            (row == rows.first ? SetSums : AddToSums)(colors.data(), rows.WeightOf(row),
+                                                      nextColors.data(), nextWeight, count, sums);
         }
     }
 }

@@ -42,8 +42,14 @@ public:
     Rect Reachable(const Rect& box) const;
     // Says that the spans to come lie in `box`, which must be reachable. May throw std::bad_alloc.
     void Prepare(const Rect& box);
-    // The colours for `count` pixels, at most kSpan, from (v, h) on.
-    void Read(int v, int h, int count, Color* colors);
+    // The colours for `count` pixels, at most kSpan, from (v, h) on; in `buffer` or elsewhere.
+    const Color* Read(int v, int h, int count, Color* buffer);
+    // Whether every pixel comes from one pixel of a scaled map.
+    bool Picks() const { return !rows_.Averages() && !columns_.Averages(); }
+    // The map's row that a row of the target is picked from, and putting the pixels of the
+    // prepared box there as they are.
+    int PickedRow(int v) const { return rows_.RangeOf(v).first; }
+    void PickRow(int v, UInt8* to) const;
     // Where the pixel for (v, h) stands in an unscaled map.
     const UInt8* Row(int v) const { return view_.Row(v - rows_.to + rows_.from); }
     int Column(int h) const { return view_.Column(h - columns_.to + columns_.from); }

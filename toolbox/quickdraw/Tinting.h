@@ -11,8 +11,8 @@ namespace toolbox
 // Component by component from the tint's black to its white.
 void TintColors(Color* colors, int count, const Tint& tint);
 
-// Replaces what the mask's black lets through of `colors`: its white brings `target` instead, and
-// its greys what lies between, component by component.
-void BlendColors(const Color* mask, const Color* target, int count, Color* colors);
+// What the mask's black lets through of `colors` stays there; its white brings `under` instead,
+// and its greys what lies between, component by component. What is no color is always under's.
+void BlendColors(const Color* mask, const Color* under, int count, Color* colors);
 
 } // namespace toolbox

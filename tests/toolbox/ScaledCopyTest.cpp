@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+//
+// Scaled copies: shrinking averages areas, enlarging takes the nearest pixel.
+#include "CopyReference.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace
+{
+
+using reference::BitsOf;
+using reference::ColorAt;
+using reference::Components;
+using reference::MakeWorld;
+using reference::OwnedWorld;
+
+// The share of each source pixel in one direction: what [place, place + 1) of the target covers.
+std::vector<double> SharesOf(int place, int fromSize, int toSize)
+{
+    std::vector<double> shares(static_cast<size_t>(fromSize));
+    if (fromSize <= toSize) {
+        const double middle = (place + 0.5) * fromSize / toSize;
+        shares[static_cast<size_t>(middle)] = 1;
+        return shares;
+    }
+    const double factor = static_cast<double>(fromSize) / toSize;
+    for (int i = 0; i < fromSize; ++i) {
+        const double start = std::max<double>(i, place * factor);
+        const double end = std::min<double>(i + 1, (place + 1) * factor);
+        shares[static_cast<size_t>(i)] = std::max(0.0, end - start) / factor;
+    }
+    return shares;
+}
+
+std::array<double, 3> AverageAt(const BitMap* source, const Rect& from, const Rect& to, int v,
+                                int h)
+{
+    const auto rows = SharesOf(v - to.top, from.bottom - from.top, to.bottom - to.top);
+    const auto columns = SharesOf(h - to.left, from.right - from.left, to.right - to.left);
+    std::array<double, 3> sum{};
+    for (size_t row = 0; row < rows.size(); ++row) {
+        for (size_t column = 0; column < columns.size(); ++column) {
+            const double share = rows[row] * columns[column];
+            if (share > 0) {
+                const Components color = ColorAt(source, from.top + static_cast<int>(row),
+                                                 from.left + static_cast<int>(column));
+                for (size_t i = 0; i < 3; ++i) {
+                    sum[i] += share * color[i];
+                }
+            }
+        }
+    }
+    return sum;
+}
+
+TEST(ScaledCopy, AveragesWhereItShrinksAndTakesTheNearestWhereItEnlarges)
+{
+    std::mt19937 random(3);
+    const auto any = [&](int low, int high) {
+        return static_cast<SInt16>(std::uniform_int_distribution<int>(low, high)(random));
+    };
+    for (int round = 0; round < 60; ++round) {
+        const int depth = std::array{1, 2, 4, 8, 16, 32}[static_cast<size_t>(round) % 6];
+        const OwnedWorld source = MakeWorld(depth, {-5, -9, 40, 41});
+        const OwnedWorld target = MakeWorld(32, {-3, -4, 45, 50});
+        reference::FillWithNoise(source, random);
+        const Rect from = {any(-5, 10), any(-9, 10), any(11, 40), any(11, 41)};
+        const Rect to = {any(-20, 10), any(-20, 10), any(11, 60), any(11, 70)};
+        CopyBits(BitsOf(source), BitsOf(target), &from, &to, ditherCopy, nullptr);
+        const Rect& bounds = BitsOf(target)->bounds;
+        for (int v = std::max(to.top, bounds.top); v < std::min(to.bottom, bounds.bottom); ++v) {
+            for (int h = std::max(to.left, bounds.left); h < std::min(to.right, bounds.right);
+                 ++h) {
+                const auto expected = AverageAt(BitsOf(source), from, to, v, h);
+                const Components color = ColorAt(BitsOf(target), v, h);
+                for (size_t i = 0; i < 3; ++i) {
+                    ASSERT_LE(std::abs(color[i] - expected[i]), 0.51)
+                        << "round " << round << " at " << v << ", " << h;
+                }
+            }
+        }
+    }
+}
+
+TEST(ScaledCopy, DrawsTheSameInPartsAsAtOnce)
+{
+    std::mt19937 random(4);
+    const OwnedWorld source = MakeWorld(32, {0, 0, 50, 70});
+    reference::FillWithNoise(source, random);
+    const Rect from = {0, 0, 50, 70};
+    for (const Rect to : {Rect{1, 2, 33, 40}, Rect{-7, -9, 93, 131}}) {
+        const OwnedWorld whole = MakeWorld(16, {0, 0, 100, 130});
+        const OwnedWorld parts = MakeWorld(16, {0, 0, 100, 130});
+        CopyBits(BitsOf(source), BitsOf(whole), &from, &to, ditherCopy, nullptr);
+        RgnHandle const region = NewRgn();
+        for (SInt16 top = 0; top < 100; top = static_cast<SInt16>(top + 7)) {
+            const Rect band = {top, -5, static_cast<SInt16>(top + 7), 200};
+            RectRgn(region, &band);
+            CopyBits(BitsOf(source), BitsOf(parts), &from, &to, ditherCopy, region);
+        }
+        DisposeRgn(region);
+        for (int v = 0; v < 100; ++v) {
+            for (int h = 0; h < 130; ++h) {
+                ASSERT_EQ(reference::ValueAt(BitsOf(parts), v, h),
+                          reference::ValueAt(BitsOf(whole), v, h));
+            }
+        }
+    }
+}
+
+TEST(ScaledCopy, KeepsPixelValuesWhereItEnlarges)
+{
+    const OwnedWorld source = MakeWorld(8, {0, 0, 2, 2});
+    const OwnedWorld target = MakeWorld(8, {0, 0, 6, 6});
+    for (int v = 0; v < 2; ++v) {
+        for (int h = 0; h < 2; ++h) {
+            reference::SetValueAt(BitsOf(source), v, h, static_cast<UInt32>(10 * v + h + 1));
+        }
+    }
+    const Rect from = {0, 0, 2, 2};
+    const Rect to = {0, 0, 6, 6};
+    CopyBits(BitsOf(source), BitsOf(target), &from, &to, srcCopy, nullptr);
+    for (int v = 0; v < 6; ++v) {
+        for (int h = 0; h < 6; ++h) {
+            EXPECT_EQ(reference::ValueAt(BitsOf(target), v, h),
+                      static_cast<UInt32>(10 * (v / 3) + h / 3 + 1));
+        }
+    }
+}
+
+TEST(ScaledCopy, LeavesOutWhatTheSourceDoesNotHave)
+{
+    const OwnedWorld source = MakeWorld(32, {0, 0, 4, 4});
+    const OwnedWorld target = MakeWorld(32, {0, 0, 8, 8});
+    for (int i = 0; i < 16; ++i) {
+        reference::SetValueAt(BitsOf(source), i / 4, i % 4, 0x112233);
+    }
+    const Rect from = {-4, -4, 4, 4}; // a quarter of it is there
+    const Rect to = {0, 0, 4, 4};
+    CopyBits(BitsOf(source), BitsOf(target), &from, &to, srcCopy, nullptr);
+    for (int v = 0; v < 4; ++v) {
+        for (int h = 0; h < 4; ++h) {
+            EXPECT_EQ(reference::ValueAt(BitsOf(target), v, h),
+                      v >= 2 && h >= 2 ? 0x112233U : 0xFFFFFFFFU);
+        }
+    }
+}
+
+TEST(ScaledCopy, IntoItsOwnMapReadsEverythingFirst)
+{
+    std::mt19937 random(5);
+    const OwnedWorld world = MakeWorld(32, {0, 0, 40, 40});
+    const OwnedWorld apart = MakeWorld(32, {0, 0, 40, 40});
+    reference::FillWithNoise(world, random);
+    const Rect all = {0, 0, 40, 40};
+    CopyBits(BitsOf(world), BitsOf(apart), &all, &all, srcCopy, nullptr);
+    const Rect from = {0, 0, 10, 10};
+    const Rect to = {5, 5, 35, 35};
+    CopyBits(BitsOf(apart), BitsOf(apart), &from, &to, srcCopy, nullptr);
+    const OwnedWorld expected = MakeWorld(32, {0, 0, 40, 40});
+    CopyBits(BitsOf(world), BitsOf(expected), &all, &all, srcCopy, nullptr);
+    CopyBits(BitsOf(world), BitsOf(expected), &from, &to, srcCopy, nullptr);
+    for (int i = 0; i < 1600; ++i) {
+        ASSERT_EQ(reference::ValueAt(BitsOf(apart), i / 40, i % 40),
+                  reference::ValueAt(BitsOf(expected), i / 40, i % 40));
+    }
+}
+
+} // namespace
