@@ -33,7 +33,6 @@ protected:
         image = std::make_unique<TestImage>(bundle.Get());
         image->SetDisplayRect(kImageRect);
     }
-    ~ScriptedImageTest() override { ResetGraphics(); }
 
     // A frame as large as the image if nothing else is said. Its world is made by the script.
     SInt16 AddFrame(UInt16 maskDepth = 0, const Rect& bounds = kImageRect)
