@@ -3,12 +3,9 @@
 // Runs a page without a window: on a clock that goes as fast as the work is done.
 #pragma once
 
-#include "viewer/HostTime.h"
-#include "viewer/ObjectStarter.h"
-#include "viewer/Options.h"
 #include "viewer/PageClock.h"
+#include "viewer/PageWork.h"
 #include "viewer/Snapshots.h"
-#include "viewer/UserActions.h"
 
 namespace viewer
 {
@@ -20,7 +17,6 @@ class HeadlessRun : public HostTime
 {
 public:
     HeadlessRun(const Options& options, const PluginFolder& plugins);
-    ~HeadlessRun() override;
 
     // Runs to the end, frees the objects, and tells what happened. Messages and snapshots have
     // been written by then.
@@ -33,40 +29,21 @@ public:
     static void AskToStop();
 
 private:
-    // What there is to be seen of the work; equal when nothing moved.
-    struct Mark {
-        SInt64 bytes = 0;
-        SInt64 pictures = 0;
-        SInt64 soundFrames = 0;
-        SInt64 states = 0;
-        double duration = 0;
-        SInt32 steps = 0;
-        bool operator==(const Mark&) const = default;
-    };
-    Mark LookAtWork();
     void FinishInstant();
-    void DoRound();
-    bool IsToolboxBusy() const;
-    bool WaitsForStream() const;
+    bool WaitsForStream() const { return !work_.AwaitedStreams().empty(); }
 
     bool IsOver();
-    bool IsLoaded() const;
-    bool IsAnyPlaying();
     void MoveClock();
     SInt64 NextInstant();
     void WaitForStreams(SInt64 until);
     bool NeedsTicks() const;
 
     void ShowProgress();
-    PageReport MakeReport();
     void TellOutcome();
-    void EndObjects();
 
     const Options& options_;
     PageClock clock_;
-    Page page_;
-    std::unique_ptr<ObjectStarter> starter_;
-    std::unique_ptr<UserActions> user_;
+    PageWork work_;
     Snapshots snapshots_;
 };
 
