@@ -112,11 +112,19 @@ void JpegReader::DecodeNextBlock()
     frame_.Rows().Tell();
     if (!isFine)
         throw Failure();
-    if (isDone && source_.WasTooShort() && (errors_.isDamaged || decoder_.buffered_image))
-        throw OSErr{kDataNotAvailableErr};
-    if (isDone && errors_.isDamaged)
-        throw OSErr{kVornErrRenderFailed};
+    if (isDone)
+        CheckOutcome();
     isComplete_ = isDone;
+}
+
+void JpegReader::CheckOutcome() const
+{
+    // Where nothing but the end mark of a plain scan is missing the image is whole.
+    const bool needsEndMark = decoder_.buffered_image || decoder_.arith_code;
+    if (source_.WasTooShort() && (errors_.isDamaged || needsEndMark))
+        throw OSErr{kDataNotAvailableErr};
+    if (errors_.isDamaged)
+        throw OSErr{kVornErrRenderFailed};
 }
 
 void JpegReader::ReadHeader()

@@ -40,6 +40,7 @@ private:
     template <class Step>
     bool Guarded(Step step);
     OSErr Failure() const;
+    void CheckOutcome() const;
     void ReadHeader();
     void BeginFrame();
     UInt64 CoefficientBytes() const;

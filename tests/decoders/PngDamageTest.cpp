@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: MIT
+//
+// PNG files that are cut off, damaged or too large.
+#include "tests/decoders/PngFiles.h"
+#include "tests/support/MemoryLimit.h"
+#include "tests/support/PictureRows.h"
+#include "toolbox/Errors.h"
+#include "toolbox/probe/Probe.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace test
+{
+
+namespace
+{
+
+const ImageBundle& Bundle()
+{
+    static const ImageBundle bundle("VornPNG");
+    return bundle;
+}
+
+PngSpec TallSpec()
+{
+    PngSpec spec;
+    spec.height = 400;
+    return spec;
+}
+
+TEST(PngDamage, KeepsWhatArrivedOfATruncatedFile)
+{
+    const Bytes file = WritePng(TallSpec());
+    const Picture whole = ReadPng(file);
+    HostedImage image(Bundle(), Bytes(file.begin(), file.begin() + ptrdiff_t(file.size() / 2)));
+    EXPECT_EQ(image.Decode(), kDataNotAvailableErr);
+    EXPECT_TRUE(image.WasTold("renderingDone 1207"));
+    EXPECT_GT(CommonRows(image.Display(37, 400), whole), 150);
+}
+
+TEST(PngDamage, SaysThatThereIsNothingOfAFileWithoutAHeader)
+{
+    const Bytes file = WritePng(PngSpec());
+    for (const ptrdiff_t size : {0, 1, 8, 20}) {
+        HostedImage image(Bundle(), Bytes(file.begin(), file.begin() + size));
+        EXPECT_EQ(image.Decode(), kVornErrImageFailed);
+        EXPECT_TRUE(image.WasTold("renderingDone 1208"));
+        EXPECT_EQ(image.Depth(), 0);
+    }
+}
+
+TEST(PngDamage, KeepsTheRowsBeforeADamagedOne)
+{
+    Bytes file = WritePng(TallSpec());
+    const Picture whole = ReadPng(file);
+    for (size_t i = 0; i < 200; ++i)
+        file[file.size() / 2 + i] ^= 0x5A;
+    HostedImage image(Bundle(), file);
+    EXPECT_EQ(image.Decode(), kVornErrRenderFailed);
+    EXPECT_GT(CommonRows(image.Display(37, 400), whole), 100);
+}
+
+TEST(PngDamage, RefusesWhatIsNoPng)
+{
+    HostedImage image(Bundle(), Bytes(5000, 'x'));
+    EXPECT_EQ(image.Decode(), kVornErrImageFailed);
+    EXPECT_TRUE(image.WasTold("renderingDone 1206"));
+}
+
+TEST(PngDamage, IgnoresAncillaryChunksWithWrongSums)
+{
+    PngSpec spec;
+    spec.filling = 300;
+    spec.texts = {{"Comment", "text"}};
+    Bytes file = WritePng(spec);
+    const Picture whole = ReadPng(file);
+    ++file[FindChunk(file, "fiLl") + 20];
+    ++file[FindChunk(file, "tEXt") + 20];
+    HostedImage image(Bundle(), file);
+    EXPECT_EQ(image.Decode(), 0);
+    EXPECT_EQ(image.Display(37, 29), whole);
+}
+
+TEST(PngDamage, SurvivesAnyChange)
+{
+    PngSpec spec;
+    spec.colorType = PNG_COLOR_TYPE_PALETTE;
+    spec.bitDepth = 4;
+    spec.hasTransparency = true;
+    spec.isInterlaced = true;
+    spec.texts = {{"Comment", "text"}};
+    const Bytes file = WritePng(spec);
+    int failures = 0;
+    for (unsigned seed = 1; seed <= 400; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::minstd_rand random(seed);
+        Bytes damaged = file;
+        for (int i = 0; i < 3; ++i)
+            damaged[random() % damaged.size()] = static_cast<UInt8>(random());
+        HostedImage image(Bundle(), damaged);
+        const OSErr result = image.Decode();
+        failures += result != 0 ? 1 : 0;
+        if (image.Depth() != 0)
+            image.Display(37, 29);
+        EXPECT_TRUE(result == 0 || result == kVornErrRenderFailed ||
+                    result == kDataNotAvailableErr || result == kVornErrImageFailed ||
+                    result == memFullErr)
+            << result;
+    }
+    EXPECT_GT(failures, 100);
+}
+
+TEST(PngDamage, LeavesNothingBehind)
+{
+    PngSpec spec;
+    spec.colorType = PNG_COLOR_TYPE_PALETTE;
+    const Bytes file = WritePng(spec);
+    const SInt32 worlds = CountLiveObjects(kLiveGWorlds);
+    const SInt32 handles = CountLiveObjects(kLiveHandles);
+    for (size_t size = 0; size <= file.size(); size += 10) {
+        HostedImage image(Bundle(), Bytes(file.begin(), file.begin() + ptrdiff_t(size)));
+        image.Decode();
+    }
+    EXPECT_EQ(CountLiveObjects(kLiveGWorlds), worlds);
+    EXPECT_EQ(CountLiveObjects(kLiveHandles), handles);
+}
+
+TEST(PngLimits, RefuseAnImageThatNeedsMore)
+{
+    PngSpec spec;
+    spec.width = spec.height = 100;
+    const MemoryLimit limit(100 * 100 * 4 - 1);
+    HostedImage image(Bundle(), WritePng(spec));
+    EXPECT_EQ(image.Decode(), memFullErr);
+    EXPECT_EQ(image.Depth(), 0);
+    EXPECT_FALSE(image.WasTold("gotRect"));
+}
+
+TEST(PngLimits, TakeAnImageThatNeedsJustThat)
+{
+    PngSpec spec;
+    spec.width = spec.height = 100;
+    const MemoryLimit limit(100 * 100 * 4);
+    HostedImage image(Bundle(), WritePng(spec));
+    EXPECT_EQ(image.Decode(), 0);
+}
+
+TEST(PngLimits, HalveTheMemoryOfATransparentImage)
+{
+    for (const bool isInterlaced : {false, true}) {
+        PngSpec spec;
+        spec.width = spec.height = 100;
+        spec.colorType = PNG_COLOR_TYPE_RGB_ALPHA;
+        spec.isInterlaced = isInterlaced;
+        const Bytes file = WritePng(spec);
+        const MemoryLimit limit(100 * 100 * 4);
+        HostedImage image(Bundle(), file);
+        EXPECT_EQ(image.Decode(), 0);
+        EXPECT_EQ(image.Depth(), 16);
+        EXPECT_EQ(image.MaskDepth(), 16);
+        // Five bits of a component and five of alpha are lost to 8 levels each at most.
+        EXPECT_LE(Difference(image.Display(100, 100), ReadPng(file)), 16);
+    }
+}
+
+TEST(PngLimits, RefuseWhatCoordinatesCannotName)
+{
+    PngSpec spec;
+    spec.colorType = PNG_COLOR_TYPE_GRAY;
+    spec.width = 32768;
+    HostedImage tooWide(Bundle(), WritePng(spec));
+    EXPECT_EQ(tooWide.Decode(), kVornErrImageFailed);
+    spec.width = 32767;
+    HostedImage wide(Bundle(), WritePng(spec));
+    EXPECT_EQ(wide.Decode(), 0);
+}
+
+TEST(PngLimits, RefuseRowsThatRowBytesCannotHold)
+{
+    PngSpec spec;
+    spec.width = 16384;
+    HostedImage tooWide(Bundle(), WritePng(spec));
+    EXPECT_EQ(tooWide.Decode(), memFullErr);
+    spec.width = 16383;
+    HostedImage wide(Bundle(), WritePng(spec));
+    EXPECT_EQ(wide.Decode(), 0);
+}
+
+} // namespace
+
+} // namespace test
