@@ -195,6 +195,23 @@ TEST_F(Masked, ABitMaskThatIsShrunkLetsThroughByItsShare)
     EXPECT_EQ(ValueAt(BitsOf(target), 4, 9) & kColorsOf32, 0x808080U);
 }
 
+TEST_F(Masked, WhatTheMaskHidesDoesNotShowUpWhereItIsShrunk)
+{
+    const Rect large = {0, 0, 16, 38};
+    const OwnedWorld red = MakeWorld(32, large);
+    const OwnedWorld mask = MakeWorld(1, large);
+    for (int v = 0; v < large.bottom; ++v) {
+        for (int h = 0; h < large.right; ++h) {
+            const bool isShown = h % 2 == 0;
+            reference::SetValueAt(BitsOf(red), v, h, isShown ? 0xFF0000 : 0x00FF00);
+            reference::SetValueAt(BitsOf(mask), v, h, isShown ? 1 : 0);
+        }
+    }
+    Paint(target, 0x0000FF);
+    CopyMask(BitsOf(red), BitsOf(mask), BitsOf(target), &large, &large, &kBounds);
+    EXPECT_EQ(ValueAt(BitsOf(target), 4, 9) & kColorsOf32, 0x800080U);
+}
+
 TEST_F(Masked, TheMasksRegionLimitsTheCopy)
 {
     const OwnedWorld mask = MakeWorld(8, kBounds);

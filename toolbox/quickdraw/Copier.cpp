@@ -50,6 +50,7 @@ Copier::Copier(const CopyRequest& request)
 {
     if (request.HasMask()) {
         maskReader_.emplace(request.mask, request.maskRect, request.to, kNoTint, MaskScratch());
+        isWeighted_ = reader_.WeighBy(*maskReader_);
     }
     way_ = ChooseWay();
     if (request.target.IsIndexed() && way_ == Way::kSpans) {
@@ -216,7 +217,7 @@ void Copier::BlendSpan(const Color* colors, int v, int h, int count)
     std::copy(colors, colors + count, blended.begin());
     if (!target.IsIndexed()) {
         FetchWholeSpan(row, target.depth, column, count, under.data());
-        BlendColors(mask, under.data(), count, blended.data());
+        Blend(mask, under.data(), count, blended.data());
         Store(row, column, count, blended.data(), v, h);
         return;
     }
@@ -224,9 +225,14 @@ void Copier::BlendSpan(const Color* colors, int v, int h, int count)
     std::array<UInt8, kSpan / 8> letThrough;
     FetchSpan(row, target.depth, column, count, &PaletteOf(target.colors, target.depth),
               under.data());
-    BlendColors(mask, under.data(), count, blended.data());
+    Blend(mask, under.data(), count, blended.data());
     MaskOfNonWhite(mask, count, letThrough.data());
     SelectSpan(blended.data(), v, h, count, letThrough.data(), 0);
+}
+
+void Copier::Blend(const Color* mask, const Color* under, int count, Color* colors) const
+{
+    (isWeighted_ ? AddUnder : BlendColors)(mask, under, count, colors);
 }
 
 void Copier::Store(UInt8* row, int column, int count, const Color* colors, int v, int h) const

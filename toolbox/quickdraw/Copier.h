@@ -49,6 +49,7 @@ private:
     void SelectSpan(const Color* colors, int v, int h, int count, const UInt8* mask,
                     int maskColumn);
     void BlendSpan(const Color* colors, int v, int h, int count);
+    void Blend(const Color* mask, const Color* under, int count, Color* colors) const;
     void Store(UInt8* row, int column, int count, const Color* colors, int v, int h) const;
 
     const CopyRequest& request_;
@@ -56,6 +57,7 @@ private:
     SpanReader reader_;
     std::optional<SpanReader> maskReader_;
     bool dithers_;
+    bool isWeighted_ = false; // the mask was taken from the colours already
     Way way_;
 };
 

@@ -5,6 +5,8 @@
 
 #include "toolbox/Types.h"
 
+#include <utility>
+
 namespace toolbox
 {
 
@@ -21,6 +23,11 @@ public:
     // False without memory. The contents are undefined.
     bool Allocate(size_t size);
     UInt8* Bytes() const { return bytes_; }
+    void Swap(PixelMemory& other)
+    {
+        std::swap(bytes_, other.bytes_);
+        std::swap(capacity_, other.capacity_);
+    }
 
 private:
     void Release();

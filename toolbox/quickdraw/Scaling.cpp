@@ -65,7 +65,8 @@ SourceRange Axis::RangeOf(int target) const
 {
     const SInt64 place = SInt64{target} - to;
     if (!Averages()) {
-        const int nearest = from + static_cast<int>((2 * place + 1) * fromSize / (2 * toSize));
+        const int nearest =
+            from + static_cast<int>((2 * place + 1) * fromSize / (SInt64{2} * toSize));
         return MakeRange(nearest, nearest, 1, 0);
     }
     const SInt64 start = place * fromSize;

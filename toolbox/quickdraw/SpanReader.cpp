@@ -54,6 +54,36 @@ Rect SpanReader::Reachable(const Rect& box) const
     return reachable;
 }
 
+bool SpanReader::HasAllPixels() const
+{
+    return rows_.from >= view_.bounds.top && rows_.from + rows_.fromSize <= view_.bounds.bottom &&
+           columns_.from >= view_.bounds.left &&
+           columns_.from + columns_.fromSize <= view_.bounds.right;
+}
+
+bool SpanReader::WeighBy(const SpanReader& mask)
+{
+    const bool isSameScale =
+        rows_.fromSize == mask.rows_.fromSize && columns_.fromSize == mask.columns_.fromSize;
+    if (Picks() || !isSameScale || !HasAllPixels() || !mask.HasAllPixels()) {
+        return false;
+    }
+    weights_ = &mask;
+    return true;
+}
+
+void SpanReader::FetchWeighted(int row, int column, int count, Color* colors) const
+{
+    Fetch(row, column, count, colors);
+    if (weights_ != nullptr) {
+        static constexpr std::array<Color, kSpan> kBlack{};
+        std::array<Color, kSpan> mask;
+        weights_->Fetch(row - rows_.from + weights_->rows_.from,
+                        column - columns_.from + weights_->columns_.from, count, mask.data());
+        BlendColors(mask.data(), kBlack.data(), count, colors);
+    }
+}
+
 void SpanReader::Prepare(const Rect& box)
 {
     madeRow_ = fetchedRow_ = kNoRow;
@@ -142,8 +172,8 @@ void SpanReader::SumRows(const SourceRange& rows)
         float* const sums = scratch_.sums.data() + ptrdiff_t{4} * done;
         for (int row = rows.first; row <= rows.last; row += 2) {
             const bool hasNext = row < rows.last;
-            Fetch(row, firstColumn_ + done, count, colors.data());
-            Fetch(hasNext ? row + 1 : row, firstColumn_ + done, count, nextColors.data());
+            FetchWeighted(row, firstColumn_ + done, count, colors.data());
+            FetchWeighted(hasNext ? row + 1 : row, firstColumn_ + done, count, nextColors.data());
             const float nextWeight = hasNext ? rows.WeightOf(row + 1) : 0;
             (row == rows.first ? SetSums : AddToSums)(colors.data(), rows.WeightOf(row),
                                                       nextColors.data(), nextWeight, count, sums);

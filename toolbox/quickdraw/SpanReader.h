@@ -44,6 +44,10 @@ public:
     void Prepare(const Rect& box);
     // The colours for `count` pixels, at most kSpan, from (v, h) on; in `buffer` or elsewhere.
     const Color* Read(int v, int h, int count, Color* buffer);
+    // Averages only what a mask of the same scale lets through: what it hides must not show up in
+    // the colours beside it. The colours then come blended with black. False if that cannot be
+    // done, or need not.
+    bool WeighBy(const SpanReader& mask);
     // Whether every pixel comes from one pixel of a scaled map.
     bool Picks() const { return !rows_.Averages() && !columns_.Averages(); }
     // The map's row that a row of the target is picked from, and putting the pixels of the
@@ -59,6 +63,8 @@ private:
     void MakeRow(int v);
     void SumRows(const SourceRange& rows);
     void FetchNearestRow(int row);
+    void FetchWeighted(int row, int column, int count, Color* colors) const;
+    bool HasAllPixels() const;
 
     static constexpr int kNoRow = INT32_MIN;
     const PixelView& view_;
@@ -66,6 +72,7 @@ private:
     Axis columns_;
     const Tint& tint_;
     std::optional<Palette> palette_;
+    const SpanReader* weights_ = nullptr;
     ScalingScratch& scratch_;
     Rect box_{};          // the target's part being made …
     int firstColumn_ = 0; // … which needs these columns of the source

@@ -3,6 +3,7 @@
 
 #include "toolbox/CpuVersions.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -77,6 +78,18 @@ VORN_CPU_VERSIONS void BlendColors(const Color* mask, const Color* under, int co
     std::memcpy(last.data(), colors + i, bytes);
     BlendFour(lastMask.data(), lastUnder.data(), last.data());
     std::memcpy(colors + i, last.data(), bytes);
+}
+
+VORN_CPU_VERSIONS void AddUnder(const Color* mask, const Color* under, int count, Color* colors)
+{
+    for (ptrdiff_t i = 0; i < count; ++i) {
+        const auto component = [&](int shift) {
+            const UInt32 added = Between(0, static_cast<UInt8>(under[i] >> shift),
+                                         static_cast<UInt8>(mask[i] >> shift));
+            return std::min<UInt32>((colors[i] >> shift & 0xFF) + added, 0xFF) << shift;
+        };
+        colors[i] = (under[i] & kNotColor) | component(16) | component(8) | component(0);
+    }
 }
 
 } // namespace toolbox

@@ -15,4 +15,8 @@ void TintColors(Color* colors, int count, const Tint& tint);
 // and its greys what lies between, component by component. What is no color is always under's.
 void BlendColors(const Color* mask, const Color* under, int count, Color* colors);
 
+// The same for colors that the mask was already taken from (blended with black) in finer steps
+// than its own, which are averages.
+void AddUnder(const Color* mask, const Color* under, int count, Color* colors);
+
 } // namespace toolbox
