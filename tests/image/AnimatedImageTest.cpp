@@ -70,7 +70,7 @@ constexpr char kCompositeToPage[] = "CopyBits world2 0,0,40,20 page 100,200,140,
 
 } // namespace
 
-TEST_F(AnimatedImage, ComposesInTheContractedOrder)
+TEST_F(AnimatedImage, LocksSwitchesAndCopiesInOrder)
 {
     AddPart(0, kDisposalUnspecified);
     Draw();

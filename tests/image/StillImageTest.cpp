@@ -40,7 +40,7 @@ TEST_F(StillImage, DrawsNothingWithoutFramesButHasBeenDisplayed)
     EXPECT_EQ(image->hasDisplayed, 1);
 }
 
-TEST_F(StillImage, CopiesItsFrameToThePortInTheContractedOrder)
+TEST_F(StillImage, LocksSetsColorsAndCopiesInOrder)
 {
     AddFrame();
     Display();
