@@ -34,8 +34,14 @@ bool IsSet(GWorldPtr mask, SInt32 v, SInt32 h)
 GifTest::~GifTest()
 {
     VornPluginFreeObject(object_);
+    CloseWindow();
+}
+
+void GifTest::CloseWindow()
+{
     SetPort(nullptr);
     DisposeWindowPort(window_);
+    window_ = nullptr;
 }
 
 void GifTest::NewObject()
@@ -106,6 +112,7 @@ std::string GifTest::Comment()
 
 void GifTest::OpenWindow()
 {
+    CloseWindow();
     if (CreateWindowPort(&Image().displayRect, &window_) != 0)
         throw std::runtime_error("no window");
     SetPort(window_);

@@ -67,6 +67,8 @@ protected:
     ManualClock clock_;
 
 private:
+    void CloseWindow();
+
     TestBundle bundle_;
     VornPlugin* object_ = nullptr;
     CGrafPtr window_ = nullptr;
