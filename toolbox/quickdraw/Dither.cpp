@@ -30,7 +30,7 @@ constexpr int RankOf(size_t v, size_t h)
 constexpr auto kBiases = [] {
     std::array<DitherRow<UInt16>, kDitherSize> biases{};
     for (size_t v = 0; v < kDitherSize; ++v) {
-        for (size_t h = 0; h < 2 * kDitherSize; ++h) {
+        for (size_t h = 0; h < biases[v].size(); ++h) {
             const int rank = RankOf(v, h & kCellMask);
             biases[v][h] =
                 static_cast<UInt16>(kLeastBias + rank * (kMostBias - kLeastBias) / (kCells - 1));

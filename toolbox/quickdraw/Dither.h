@@ -15,7 +15,7 @@ inline constexpr int kDitherSize = 8;
 
 // One row of the pattern, twice: so that a row of any first cell can be read without wrapping.
 template <typename Value>
-using DitherRow = std::array<Value, 2 * kDitherSize>;
+using DitherRow = std::array<Value, 2 * size_t{kDitherSize}>;
 
 // What to add before dividing: see Dithered555.
 const DitherRow<UInt16>& DitherBiases(int v);

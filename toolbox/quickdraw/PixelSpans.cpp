@@ -59,16 +59,22 @@ constexpr ptrdiff_t kWords = sizeof(Words) / sizeof(UInt16);
 // 0RRRRRGG, the high one GGGBBBBB. A component c of 5 bits widens to 33 * c / 4.
 inline void WidenWords(const UInt8* from, UInt8* to)
 {
-    constexpr Words kFirstHalf = {0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23};
-    constexpr Words kSecondHalf = kFirstHalf + 8;
     Words pixels;
     std::memcpy(&pixels, from, sizeof pixels);
     const Words red = ((pixels & 0x007C) * (33 << 4)) & 0xFF00;
     const Words blue = (((pixels & 0x1F00) >> 2) * 33) & 0xFF00;
     const Words green = (((pixels << 3 | pixels >> 13) & 0x001F) * 33) >> 2;
     const Words greenAndBlue = green | blue;
+#if __has_builtin(__builtin_shufflevector)
+    const Words first = __builtin_shufflevector(red, greenAndBlue, 0, 16, 1, 17, 2, 18, 3, 19, 4,
+                                                20, 5, 21, 6, 22, 7, 23);
+    const Words second = __builtin_shufflevector(red, greenAndBlue, 8, 24, 9, 25, 10, 26, 11, 27,
+                                                 12, 28, 13, 29, 14, 30, 15, 31);
+#else // GCC before 12
+    constexpr Words kFirstHalf = {0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23};
     const Words first = __builtin_shuffle(red, greenAndBlue, kFirstHalf);
-    const Words second = __builtin_shuffle(red, greenAndBlue, kSecondHalf);
+    const Words second = __builtin_shuffle(red, greenAndBlue, kFirstHalf + 8);
+#endif
     std::memcpy(to, &first, sizeof first);
     std::memcpy(to + sizeof first, &second, sizeof second);
 }
