@@ -194,9 +194,17 @@ void PngReader::PutRow(png_bytep samples, UInt32 row, int pass)
     frame_.Rows().Note(rowNumber);
 }
 
+// The library takes it lightly if the compressed data end too early or are damaged.
 void PngReader::OnEnd(png_structp png, png_infop)
 {
-    ReaderOf(png).isComplete_ = true;
+    constexpr int kPasses = 7;
+    PngReader& reader = ReaderOf(png);
+    const bool hasAllRows = reader.isInterlaced_
+                                ? png_get_current_pass_number(png) >= kPasses
+                                : png_get_current_row_number(png) >= reader.height_;
+    if (!hasAllRows)
+        png_error(png, "rows are missing");
+    reader.isComplete_ = true;
 }
 
 void PngReader::SetComment()

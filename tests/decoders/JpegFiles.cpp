@@ -20,14 +20,18 @@ void Fail(j_common_ptr codec)
     throw std::runtime_error(text.data());
 }
 
-void Ignore(j_common_ptr, int) {}
+void Count(j_common_ptr codec, int level)
+{
+    if (level < 0)
+        ++codec->err->num_warnings;
+}
 
 jpeg_error_mgr* Errors()
 {
     static jpeg_error_mgr errors;
     jpeg_std_error(&errors);
     errors.error_exit = Fail;
-    errors.emit_message = Ignore;
+    errors.emit_message = Count;
     return &errors;
 }
 
@@ -148,13 +152,13 @@ Bytes WriteJpeg(const JpegSpec& spec)
     return file;
 }
 
-Picture ReadJpeg(const Bytes& file)
+Picture ReadJpeg(const Bytes& file, int* warnings)
 {
     Decoder decoder;
     jpeg_mem_src(&decoder, file.data(), file.size());
     jpeg_read_header(&decoder, TRUE);
-    if (decoder.out_color_space == JCS_YCbCr)
-        decoder.out_color_space = JCS_RGB;
+    if (UInt64{decoder.image_width} * decoder.image_height > UInt64{512} << 18)
+        throw std::runtime_error("too large");
     jpeg_start_decompress(&decoder);
     Picture picture = {
         static_cast<SInt32>(decoder.output_width), static_cast<SInt32>(decoder.output_height), {}};
@@ -167,6 +171,8 @@ Picture ReadJpeg(const Bytes& file)
             picture.pixels.push_back(ColorOf(decoder, row.data() + x * components));
     }
     jpeg_finish_decompress(&decoder);
+    if (warnings != nullptr)
+        *warnings = static_cast<int>(decoder.err->num_warnings);
     return picture;
 }
 

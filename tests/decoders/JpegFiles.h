@@ -30,9 +30,10 @@ struct JpegSpec {
 };
 
 Bytes WriteJpeg(const JpegSpec& spec);
-// The whole image, throws std::runtime_error if libjpeg-turbo gives it up. Ink becomes light as
-// 255 minus each ink's share would: C * K / 255 of inverted samples.
-Picture ReadJpeg(const Bytes& file);
+// The whole image, throws std::runtime_error if libjpeg-turbo gives it up. Of inks C * K / 255
+// is left of the light where 255 is no ink.
+// Counts the library's warnings if asked to. An image of more than 512 MiB is given up, too.
+Picture ReadJpeg(const Bytes& file, int* warnings = nullptr);
 
 // Where the marker of that code (0xDA: a scan) begins for the `count`th time; throws if it does
 // not.

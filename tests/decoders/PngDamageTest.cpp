@@ -62,6 +62,38 @@ TEST(PngDamage, KeepsTheRowsBeforeADamagedOne)
     EXPECT_GT(CommonRows(image.Display(37, 400), whole), 100);
 }
 
+TEST(PngDamage, TellsOfRowsThatAreMissingInAnIntactFile)
+{
+    for (const bool isInterlaced : {false, true}) {
+        PngSpec spec = TallSpec();
+        spec.isInterlaced = isInterlaced;
+        Bytes file = WritePng(spec);
+        const Picture whole = ReadPng(file);
+        // From the middle of the image data there is no more than the end of the file.
+        const size_t cut = FindChunk(file, "IDAT", 20);
+        file.erase(file.begin() + ptrdiff_t(cut),
+                   file.begin() + ptrdiff_t(FindChunk(file, "IEND")));
+        HostedImage image(Bundle(), file);
+        EXPECT_EQ(image.Decode(), kVornErrRenderFailed);
+        EXPECT_EQ(image.Depth(), 32);
+        if (!isInterlaced) {
+            EXPECT_GT(CommonRows(image.Display(37, 400), whole), 30);
+        }
+    }
+}
+
+TEST(PngDamage, TellsOfDataThatCannotBeInflatedInIntactChunks)
+{
+    Bytes file = WritePng(TallSpec());
+    const Picture whole = ReadPng(file);
+    const size_t chunk = FindChunk(file, "IDAT", 20);
+    std::fill_n(file.begin() + ptrdiff_t(chunk + 8), 100, UInt8{0xFF});
+    FixCheckSum(file, chunk);
+    HostedImage image(Bundle(), file);
+    EXPECT_EQ(image.Decode(), kVornErrRenderFailed);
+    EXPECT_GT(CommonRows(image.Display(37, 400), whole), 30);
+}
+
 TEST(PngDamage, RefusesWhatIsNoPng)
 {
     HostedImage image(Bundle(), Bytes(5000, 'x'));

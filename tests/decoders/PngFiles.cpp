@@ -6,6 +6,7 @@
 #include <cstring>
 #include <random>
 #include <stdexcept>
+#include <zlib.h>
 
 namespace test
 {
@@ -153,6 +154,10 @@ Picture ReadPng(const Bytes& file)
     Input input = {file};
     png_set_read_fn(reader.png, &input, Take);
     png_read_info(reader.png, reader.info);
+    if (UInt64{png_get_image_width(reader.png, reader.info)} *
+            png_get_image_height(reader.png, reader.info) >
+        UInt64{512} << 18)
+        throw std::runtime_error("too large");
     png_set_expand(reader.png);
     png_set_scale_16(reader.png);
     png_set_gray_to_rgb(reader.png);
@@ -179,12 +184,25 @@ Picture ReadPng(const Bytes& file)
     return picture;
 }
 
-size_t FindChunk(const Bytes& file, const std::string& type)
+size_t FindChunk(const Bytes& file, const std::string& type, int count)
 {
-    const auto found = std::search(file.begin(), file.end(), type.begin(), type.end());
-    if (found == file.end())
-        throw std::runtime_error("no chunk " + type);
+    auto found = file.begin() - 1;
+    for (int i = 0; i < count; ++i) {
+        found = std::search(found + 1, file.end(), type.begin(), type.end());
+        if (found == file.end())
+            throw std::runtime_error("no chunk " + type);
+    }
     return static_cast<size_t>(found - file.begin()) - 4;
+}
+
+void FixCheckSum(Bytes& file, size_t chunk)
+{
+    size_t length = 0;
+    for (size_t i = 0; i < 4; ++i)
+        length = length << 8 | file[chunk + i];
+    const auto sum = crc32(0, file.data() + chunk + 4, static_cast<uInt>(length + 4));
+    for (size_t i = 0; i < 4; ++i)
+        file[chunk + 8 + length + i] = static_cast<UInt8>(sum >> (24 - 8 * i));
 }
 
 } // namespace test

@@ -32,10 +32,14 @@ struct PngSpec {
 };
 
 Bytes WritePng(const PngSpec& spec);
-// The whole image over white paper, throws std::runtime_error if libpng gives it up.
+// The whole image over white paper, throws std::runtime_error if libpng gives it up or it is
+// larger than 512 MiB.
 Picture ReadPng(const Bytes& file);
 
-// Where the chunk of that type begins, at the length field; throws if there is none.
-size_t FindChunk(const Bytes& file, const std::string& type);
+// Where the chunk of that type begins, at the length field, for the `count`th time; throws if it
+// does not.
+size_t FindChunk(const Bytes& file, const std::string& type, int count = 1);
+// Writes the check sum that the contents of the chunk ask for.
+void FixCheckSum(Bytes& file, size_t chunk);
 
 } // namespace test
