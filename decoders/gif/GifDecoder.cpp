@@ -2,9 +2,8 @@
 #include "decoders/gif/GifDecoder.h"
 
 #include "decoders/common/CommentText.h"
-#include "decoders/common/FrameLock.h"
+#include "decoders/common/IndexedFrame.h"
 #include "decoders/common/StillFrame.h"
-#include "src/image/GraphicsWorlds.h"
 #include "toolbox/memory/Memory.h"
 
 #include <memory>
@@ -223,71 +222,47 @@ void GifDecoder::DescribeFrame(SInt16 index, Point position)
 void GifDecoder::ReadRows(SInt16 index, const Rect& target)
 {
     const GifImageDesc& head = file_.Image;
+    const auto rowAt = [&](SInt32 n) { return RowInOrder(n, head); };
     const SInt32 height = target.bottom - target.top;
     const auto width = static_cast<SInt16>(target.right - target.left);
-    const auto transparent = static_cast<SInt16>(control_.TransparentColor);
-    FrameLock pixels(GetFrameGWorld(&image_, index));
-    const GWorldPtr maskWorld = GetFrameMaskGWorld(&image_, index);
-    std::optional<FrameLock> mask;
-    if (maskWorld != nullptr)
-        mask.emplace(maskWorld);
-    std::vector<UInt8> indices(static_cast<size_t>(head.Width));
     // Nothing below the canvas is needed, unless the rows come in another order.
     const SInt32 needed = head.Width == 0 ? 0 : head.Interlace ? head.Height : height;
-    int result = GIF_OK;
+    std::vector<UInt8> indices(static_cast<size_t>(head.Width));
+    IndexedFrame frame(image_, index, static_cast<SInt16>(control_.TransparentColor));
     file_.Error = D_GIF_SUCCEEDED;
     SInt32 n = 0;
     for (; n < needed; ++n) {
         // The host cannot be told within the library, so it is before the library has to wait.
         if (!reader_.HasAtHand(kMostBytesPerPixel * indices.size() + kMostBytesAhead))
             newRows_.Tell();
-        result = DGifGetLine(&file_, indices.data(), head.Width);
-        if (result == GIF_ERROR)
+        if (DGifGetLine(&file_, indices.data(), head.Width) == GIF_ERROR)
             break;
-        const SInt32 row = RowInOrder(n, head);
-        if (row >= height)
+        if (rowAt(n) >= height)
             continue;
-        const Point start = {static_cast<SInt16>(target.top + row), target.left};
-        const Rect& bounds = pixels.State().bounds;
-        SetPixMapRowPixels(&pixels.State(), &bounds, start, width, indices.data());
-        if (mask)
-            SetMaskPixMapRowPixels(&mask->State(), &bounds, start, width, transparent,
-                                   indices.data());
+        const Point start = {static_cast<SInt16>(target.top + rowAt(n)), target.left};
+        frame.WriteRow(start, width, indices.data());
         if (index == 0)
             newRows_.Note(start.v);
     }
     newRows_.Tell();
-    if (result == GIF_ERROR) {
-        if (!mask)
-            ShowOnly(n, index);
+    if (n < needed) {
+        if (!frame.HasMask())
+            frame.ShowOnly(n, rowAt);
         // The image's own end, come too early, leaves the library at the next record's side.
         if (file_.Error != D_GIF_ERR_EOF_TOO_SOON)
-            reader_.Check(result);
+            reader_.Check(GIF_ERROR);
         lacksRows_ = true;
     }
-    GifByteType* part = nullptr;
-    bool isAtEnd = needed > 0 && n == head.Height;
-    while (!isAtEnd) {
-        reader_.Check(DGifGetCodeNext(&file_, &part));
-        isAtEnd = part == nullptr;
-    }
+    if (needed == 0 || n < head.Height)
+        SkipRows();
 }
 
-void GifDecoder::ShowOnly(SInt32 rows, SInt16 index)
+void GifDecoder::SkipRows()
 {
-    FrameLock pixels(GetFrameGWorld(&image_, index));
-    const Rect bounds = pixels.State().bounds;
-    GWorldPtr world = nullptr;
-    if (MakeGWorld(&bounds, kMaskDepth, nullptr, GetImageUsesTempMem(&image_), &world) != noErr)
-        return; // then they stay white
-    SetFrameMaskGWorld(&image_, index, world);
-    FrameLock mask(world);
-    const std::vector<UInt8> opaque(static_cast<size_t>(bounds.right));
-    for (SInt32 n = 0; n < rows; ++n) {
-        const Point start = {static_cast<SInt16>(RowInOrder(n, file_.Image)), 0};
-        SetMaskPixMapRowPixels(&mask.State(), &bounds, start, bounds.right, NO_TRANSPARENT_COLOR,
-                               opaque.data());
-    }
+    GifByteType* part = nullptr;
+    do {
+        reader_.Check(DGifGetCodeNext(&file_, &part));
+    } while (part != nullptr);
 }
 
 void GifDecoder::Finish()

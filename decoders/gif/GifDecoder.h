@@ -32,10 +32,8 @@ private:
     void ReadImage();
     // The rows of the file's current image, into the part `target` of the frame.
     void ReadRows(SInt16 index, const Rect& target);
-    // Makes all but the first rows of a frame without a mask transparent, so that it hides nothing.
-    void ShowOnly(SInt32 rows, SInt16 index);
-    // Takes in the current image if it is the first, and reports the size if there is one. Throws
-    // memFullErr if that is too large.
+    void SkipRows();
+    // Reports the size, unless it is nothing yet. Throws memFullErr if it is too large.
     void SetCanvas(SInt32 width, SInt32 height);
     // Adds a frame for the current image that lies at `place` of the canvas.
     SInt16 AddFrame(const Rect& place, bool hasMask);
