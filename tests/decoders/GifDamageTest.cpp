@@ -210,3 +210,12 @@ TEST_F(GifDamage, KeepsTheFramesThatTheMemoryIsEnoughFor)
     EXPECT_EQ(FrameCount(), 1);
     EXPECT_FALSE(Image().looping);
 }
+
+TEST_F(GifDamage, EndsWithTheLastFrameThatAnIndexReaches)
+{
+    GifBuilder gif(1, 1, kColors);
+    for (int i = 0; i < 32768; ++i)
+        gif.Image(Plain(1, 1, 1));
+    EXPECT_EQ(Decode(gif.Bytes()), memFullErr);
+    EXPECT_EQ(FrameCount(), 32767);
+}
