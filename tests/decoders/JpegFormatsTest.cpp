@@ -25,6 +25,11 @@ struct Format {
     int depth; // of the frame that it becomes
 };
 
+void PrintTo(const Format& format, std::ostream* out)
+{
+    *out << format.name;
+}
+
 std::vector<Format> AllFormats()
 {
     std::vector<Format> formats = {

@@ -27,6 +27,11 @@ struct Format {
     int maskDepth;
 };
 
+void PrintTo(const Format& format, std::ostream* out)
+{
+    *out << "colour type " << format.colorType << ", " << format.bitDepth << " bits";
+}
+
 std::vector<Format> AllFormats()
 {
     std::vector<Format> formats;
