@@ -1,11 +1,11 @@
 # SPDX-License-Identifier: MIT
 #
-# vorn_bundle(<name> INFO_PLIST <file> SOURCES <files> [LIBRARIES <libraries>]): a plug-in bundle
-# on disk,
-#   plugins/<name>.plugin/Contents/Info.plist      the information dictionary, variables filled in
-#   plugins/<name>.plugin/Contents/Linux/<name>.so all of the library `vorn_framework`, the
-#                                                  libraries, and SOURCES, which define
-#                                                  MakeNewPlugin
+# vorn_bundle(<name> INFO_PLIST <file> SOURCES <files> [LIBRARIES <libraries>] [FOLDER <folder>]):
+# a plug-in bundle on disk,
+#   <name>.plugin/Contents/Info.plist      the information dictionary, variables filled in
+#   <name>.plugin/Contents/Linux/<name>.so all of the library `vorn_framework`, the libraries, and
+#                                          SOURCES, which define MakeNewPlugin
+# in VORN_PLUGINS_DIR, or in another folder of the build's top folder.
 # It exports the names of src/exported-names.txt that it defines, and nothing else.
 
 set(VORN_EXPORTED_NAMES ${CMAKE_CURRENT_LIST_DIR}/../src/exported-names.txt)
@@ -19,8 +19,11 @@ file(CONFIGURE OUTPUT ${VORN_VERSION_SCRIPT} @ONLY
      CONTENT "{\n  global:\n    @names@;\n  local:\n    *;\n};\n")
 
 function(vorn_bundle name)
-  cmake_parse_arguments(ARG "" "INFO_PLIST" "SOURCES;LIBRARIES" ${ARGN})
-  set(contents ${VORN_PLUGINS_DIR}/${name}.plugin/Contents)
+  cmake_parse_arguments(ARG "" "INFO_PLIST;FOLDER" "SOURCES;LIBRARIES" ${ARGN})
+  if(NOT ARG_FOLDER)
+    set(ARG_FOLDER ${VORN_PLUGINS_DIR})
+  endif()
+  set(contents ${ARG_FOLDER}/${name}.plugin/Contents)
   set(VORN_BUNDLE_NAME ${name})
   configure_file(${ARG_INFO_PLIST} ${contents}/Info.plist @ONLY)
 
