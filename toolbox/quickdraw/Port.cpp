@@ -4,10 +4,14 @@
 #include "toolbox/Errors.h"
 #include "toolbox/probe/Announce.h"
 #include "toolbox/quickdraw/PixMaps.h"
+#include "toolbox/quickdraw/PortRegistry.h"
 #include "toolbox/threads/ThreadGlobals.h"
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 
 using toolbox::Announce;
 using toolbox::CurrentThreadGlobals;
@@ -25,6 +29,24 @@ bool IsWindowRect(const Rect& rect)
            rect.bottom - rect.top <= INT16_MAX;
 }
 
+Rect OwnBounds(const Rect& onScreen)
+{
+    return {0, 0, static_cast<SInt16>(onScreen.bottom - onScreen.top),
+            static_cast<SInt16>(onScreen.right - onScreen.left)};
+}
+
+void CopyCommonPixels(const CGrafPort& from, CGrafPort& to)
+{
+    constexpr size_t kBytesPerPixel = 4;
+    const auto rows = std::min(from.bounds.bottom, to.bounds.bottom);
+    const size_t bytes =
+        static_cast<size_t>(std::min(from.bounds.right, to.bounds.right)) * kBytesPerPixel;
+    for (ptrdiff_t v = 0; v < rows; ++v) {
+        std::memcpy(to.pixels.Bytes() + v * to.rowBytes, from.pixels.Bytes() + v * from.rowBytes,
+                    bytes);
+    }
+}
+
 } // namespace
 
 OSErr CreateWindowPort(const Rect* bounds, CGrafPtr* port)
@@ -40,8 +62,7 @@ OSErr CreateWindowPort(const Rect* bounds, CGrafPtr* port)
     if (made == nullptr) {
         return memFullErr;
     }
-    made->bounds = {0, 0, static_cast<SInt16>(bounds->bottom - bounds->top),
-                    static_cast<SInt16>(bounds->right - bounds->left)};
+    made->bounds = OwnBounds(*bounds);
     made->placeOnScreen = {bounds->top, bounds->left};
     made->isWindow = true;
     toolbox::SetArea(made->clip.area, toolbox::kWidestRect);
@@ -52,6 +73,32 @@ OSErr CreateWindowPort(const Rect* bounds, CGrafPtr* port)
     toolbox::CountInLedger(kLivePorts, 1);
     *port = made.release();
     return noErr;
+}
+
+OSErr ResizeWindowPort(CGrafPtr port, const Rect* bounds)
+{
+    if (const OSErr err = Announce("ResizeWindowPort"); err != 0) {
+        return err;
+    }
+    if (!IsWindowRect(*bounds)) {
+        return paramErr;
+    }
+    CGrafPort other;
+    other.bounds = OwnBounds(*bounds);
+    if (const OSErr err = toolbox::GivePixels(other, kWindowDepth, kRowAlignment, nullptr);
+        err != 0) {
+        return err;
+    }
+    CopyCommonPixels(*port, other);
+    toolbox::UnregisterPort(*port);
+    toolbox::UnregisterPort(other);
+    std::swap(port->bounds, other.bounds);
+    std::swap(port->rowBytes, other.rowBytes);
+    std::swap(port->pixMap.map, other.pixMap.map);
+    port->pixels.Swap(other.pixels);
+    port->placeOnScreen = {bounds->top, bounds->left};
+    port->dirty.Add(port->bounds);
+    return toolbox::RegisterPort(*port) ? noErr : memFullErr;
 }
 
 void DisposeWindowPort(CGrafPtr port)

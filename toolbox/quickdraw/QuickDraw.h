@@ -80,9 +80,12 @@ TOOLBOX_EXPORT void SetClip(RgnHandle region);
  * own coordinates starting with 0,0 at the top left. memFullErr without memory, paramErr for
  * bounds that are empty or wider or higher than 32767. The host owns and presents it. */
 TOOLBOX_EXPORT OSErr CreateWindowPort(const Rect* bounds, CGrafPtr* port);
+/* Gives the port other bounds: what it shows stays as far as it fits, the rest is white, and all of
+ * it counts as drawn to. Its pixels move. On failure (as above) nothing changes. */
+TOOLBOX_EXPORT OSErr ResizeWindowPort(CGrafPtr port, const Rect* bounds);
 TOOLBOX_EXPORT void DisposeWindowPort(CGrafPtr port);
 /* The port's pixels: address of its top-left pixel and bytes from one row to the next. The memory
- * stays where it is until the port is disposed of. */
+ * stays where it is until the port is resized or disposed of. */
 TOOLBOX_EXPORT UInt8* GetPortPixels(CGrafPtr port, SInt32* rowBytes);
 /* Copies what was drawn to since the last call into `region` (if not null), and forgets it.
  * True if that was anything. */
