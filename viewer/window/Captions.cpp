@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/window/Captions.h"
+
+#include "viewer/Rects.h"
+#include "viewer/window/ObjectState.h"
+
+#include <algorithm>
+
+namespace viewer
+{
+namespace
+{
+
+constexpr SInt16 kFocusWidth = 2;
+constexpr SInt16 kFocusDistance = 4;
+constexpr SInt16 kBarHeight = 4;
+constexpr SInt16 kInset = 10;
+constexpr int kNameHeight = 13;
+constexpr int kDetailsHeight = 11;
+constexpr int kLineHeight = 15;
+constexpr SInt32 kNameBaseline = 19;
+constexpr SInt32 kDetailsBaseline = 34;
+
+constexpr Ink kNameInk = {0x2B, 0x30, 0x38};
+constexpr Ink kDetailsInk = {0x68, 0x70, 0x7C};
+constexpr Ink kProblemInk = {0xA0, 0x3A, 0x32};
+constexpr Ink kFocusInk = {0x4A, 0x7C, 0xBE};
+constexpr Ink kBarInk = {0x6C, 0x98, 0xCE};
+constexpr Ink kTroughInk = {0xE2, 0xE6, 0xEC};
+constexpr Ink kPaper = {0xFC, 0xFC, 0xFD};
+constexpr Ink kPaperEdge = {0xD4, 0xD8, 0xDE};
+
+Rect Outset(const Rect& rect, int by)
+{
+    return {static_cast<SInt16>(rect.top - by), static_cast<SInt16>(rect.left - by),
+            static_cast<SInt16>(rect.bottom + by), static_cast<SInt16>(rect.right + by)};
+}
+
+} // namespace
+
+PageStyle Captions::Style()
+{
+    PageStyle style;
+    style.margin = 16;
+    style.gap = 20;
+    style.captionHeight = 40;
+    style.leastWidth = 176;
+    style.background = 0xF4;
+    return style;
+}
+
+void Captions::Update(const EmbeddedObject* focus)
+{
+    if (page_.CurrentShape().alone != nullptr) {
+        return;
+    }
+    const auto& objects = page_.Objects();
+    if (layout_ != page_.CountLayouts()) {
+        layout_ = page_.CountLayouts();
+        drawn_.assign(objects.size(), {});
+    }
+    for (size_t i = 0; i < objects.size(); ++i) {
+        Caption caption = Describe(*objects[i], focus);
+        if (!(caption == drawn_[i])) {
+            Draw(caption, objects[i]->Area());
+            drawn_[i] = std::move(caption);
+        }
+    }
+}
+
+Captions::Caption Captions::Describe(EmbeddedObject& object, const EmbeddedObject* focus) const
+{
+    Caption caption;
+    caption.name = object.Name() == "-" ? "standard input" : object.FileName();
+    caption.details = DescribeState(object);
+    caption.problem = object.Problem();
+    caption.isFocused = &object == focus;
+    caption.isPlaceholder = !object.HasDimensions();
+    if (caption.isPlaceholder && caption.problem.empty()) {
+        caption.arrived = PercentArrived(object).value_or(0);
+    }
+    return caption;
+}
+
+void Captions::Draw(const Caption& caption, const Rect& area)
+{
+    DrawText(caption, area);
+    DrawFocus(caption, area);
+    if (caption.isPlaceholder) {
+        DrawInside(caption, area);
+    }
+}
+
+void Captions::DrawText(const Caption& caption, const Rect& area)
+{
+    const PageStyle& style = page_.Style();
+    const int width = std::max<int>(area.right - area.left, style.leastWidth);
+    const Rect place = {static_cast<SInt16>(area.bottom + kFocusDistance + kFocusWidth), area.left,
+                        static_cast<SInt16>(area.bottom + style.captionHeight),
+                        static_cast<SInt16>(area.left + width)};
+    page_.Wipe(place);
+    Canvas canvas = CanvasFor(place);
+    text_.Write(canvas, area.left, area.bottom + kNameBaseline,
+                text_.Shortened(caption.name, kNameHeight, width), kNameHeight, kNameInk);
+    text_.Write(canvas, area.left, area.bottom + kDetailsBaseline,
+                text_.Shortened(caption.details, kDetailsHeight, width), kDetailsHeight,
+                caption.problem.empty() ? kDetailsInk : kProblemInk);
+}
+
+void Captions::DrawFocus(const Caption& caption, const Rect& area)
+{
+    const Rect frame = Outset(area, kFocusDistance);
+    const UInt8 grey = page_.Style().background;
+    CanvasFor(frame).Frame(frame, kFocusWidth,
+                           caption.isFocused ? kFocusInk : Ink{grey, grey, grey});
+}
+
+void Captions::DrawInside(const Caption& caption, const Rect& area)
+{
+    Canvas canvas = CanvasFor(area);
+    canvas.Fill(area, kPaper);
+    canvas.Frame(area, 1, kPaperEdge);
+    if (caption.arrived >= 0) {
+        const auto bottom = static_cast<SInt16>(area.bottom - kInset);
+        const auto left = static_cast<SInt16>(area.left + kInset);
+        const Rect trough = {static_cast<SInt16>(bottom - kBarHeight), left, bottom,
+                             static_cast<SInt16>(area.right - kInset)};
+        Rect bar = trough;
+        bar.right = static_cast<SInt16>(left + (trough.right - left) * caption.arrived / 100);
+        canvas.Fill(trough, kTroughInk);
+        canvas.Fill(bar, kBarInk);
+    } else if (!caption.problem.empty()) {
+        DrawProblem(caption, area, canvas);
+    }
+}
+
+void Captions::DrawProblem(const Caption& caption, const Rect& area, Canvas& canvas)
+{
+    const SInt32 width = area.right - area.left - 2 * kInset;
+    const std::vector<std::string> lines = text_.Wrapped(caption.problem, kDetailsHeight, width);
+    const auto height = static_cast<SInt32>(lines.size()) * kLineHeight;
+    SInt32 v = (area.top + area.bottom - height) / 2 + kDetailsHeight;
+    for (const std::string& line : lines) {
+        const SInt32 left = area.left + kInset + (width - text_.WidthOf(line, kDetailsHeight)) / 2;
+        text_.Write(canvas, left, v, line, kDetailsHeight, kProblemInk);
+        v += kLineHeight;
+    }
+}
+
+Canvas Captions::CanvasFor(const Rect& changed)
+{
+    Canvas canvas;
+    canvas.pixels = page_.PixelsToDraw(changed, canvas.rowBytes);
+    Rect bounds{};
+    canvas.clip = Intersection(changed, *GetPortBounds(page_.Port(), &bounds));
+    return canvas;
+}
+
+} // namespace viewer

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+//
+// What stands beside the objects of a page in a window: their names, what is known of them, how
+// far they have come, and which one has the focus.
+#pragma once
+
+#include "viewer/Page.h"
+#include "viewer/window/TextPainter.h"
+
+#include <string>
+#include <vector>
+
+namespace viewer
+{
+
+class Captions
+{
+public:
+    // How a page looks that has captions.
+    static PageStyle Style();
+
+    explicit Captions(Page& page) : page_(page) {}
+
+    // Draws into the page's port what differs from what it shows. To be called after each round of
+    // work.
+    void Update(const EmbeddedObject* focus);
+
+private:
+    struct Caption {
+        std::string name;
+        std::string details;
+        std::string problem;
+        int arrived = -1; // of a hundred; -1: no bar
+        bool isFocused = false;
+        bool isPlaceholder = false;
+        bool operator==(const Caption&) const = default;
+    };
+    Caption Describe(EmbeddedObject& object, const EmbeddedObject* focus) const;
+    void Draw(const Caption& caption, const Rect& area);
+    void DrawText(const Caption& caption, const Rect& area);
+    void DrawFocus(const Caption& caption, const Rect& area);
+    void DrawInside(const Caption& caption, const Rect& area);
+    void DrawProblem(const Caption& caption, const Rect& area, Canvas& canvas);
+    Canvas CanvasFor(const Rect& changed);
+
+    Page& page_;
+    TextPainter text_;
+    std::vector<Caption> drawn_;
+    int layout_ = 0;
+};
+
+} // namespace viewer

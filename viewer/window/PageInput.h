@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+//
+// What the user does to the page with mouse and keyboard.
+#pragma once
+
+#include "viewer/Page.h"
+#include "viewer/window/PageWindow.h"
+
+#include <optional>
+
+namespace viewer
+{
+
+// Press, motion and release go to the object under the pointer; keys go to the one that has the
+// focus, and to the page if that has no use for them.
+class PageInput
+{
+public:
+    PageInput(Page& page, PageWindow& window) : page_(page), window_(window) {}
+
+    void Handle(const SDL_Event& event);
+
+    const EmbeddedObject* Focus() const { return focus_; }
+    bool WantsToQuit() const { return wantsToQuit_; }
+    // What was asked for since the last call, to be done by others.
+    enum class Wish { kSavePicture, kSavePage };
+    std::optional<Wish> TakeWish();
+    // The object that S is meant for; null if there is none.
+    EmbeddedObject* ObjectToSave() const;
+    // The window has its size; the page follows.
+    void FitPage();
+
+private:
+    void HandleWindow(const SDL_WindowEvent& event);
+    void Press(const SDL_MouseButtonEvent& button);
+    void Move(const SDL_MouseMotionEvent& motion);
+    void Release(const SDL_MouseButtonEvent& button);
+    void Roll(const SDL_MouseWheelEvent& wheel);
+
+    void HandleKey(const SDL_Keysym& key);
+    bool HandleCommand(const SDL_Keysym& key);
+    bool HandleScrolling(SDL_Keycode key);
+    bool OfferKey(SDL_Keycode key, bool isRepeated);
+    EmbeddedObject* KeyTaker(UInt8 character) const;
+    void MoveFocus(int step);
+    void SetFocus(EmbeddedObject* object);
+    void Leave();
+
+    void ShowAlone(EmbeddedObject* object);
+    void Zoom(double factor);
+    void Reshape(Page::Shape shape);
+    void ToggleKeys();
+    EventRecord MakeEvent(UInt16 what, UInt32 message, Point where) const;
+
+    Page& page_;
+    PageWindow& window_;
+    EmbeddedObject* focus_ = nullptr;
+    EmbeddedObject* pressed_ = nullptr; // takes motion and release
+    bool isScrolling_ = false;          // by the scroll bar
+    bool keysAreShown_ = false;
+    bool wantsToQuit_ = false;
+    double wheelRest_ = 0;
+    SInt16 topBeforeAlone_ = 0;
+    std::optional<Wish> wish_;
+};
+
+} // namespace viewer

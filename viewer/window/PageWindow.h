@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+//
+// The window: which part of the page it shows, and how that gets on the screen.
+#pragma once
+
+#include "toolbox/quickdraw/QuickDraw.h"
+#include "viewer/window/Canvas.h"
+
+#include <SDL.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace viewer
+{
+
+// There is nothing to show a window on; the text says why.
+class NoDisplay : public std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
+// The page is as wide as the window and may be higher. It is shown by copying, changed rectangles
+// only, into the window's own pixels: no picture is drawn twice, and no graphics card is woken.
+class PageWindow
+{
+public:
+    // Throws NoDisplay.
+    PageWindow(const std::string& title, SInt16 width, SInt16 height);
+    ~PageWindow();
+    PageWindow(const PageWindow&) = delete;
+    PageWindow& operator=(const PageWindow&) = delete;
+
+    SInt16 Width() const { return width_; }
+    SInt16 Height() const { return height_; }
+    UInt32 Id() const { return SDL_GetWindowID(window_.get()); }
+    // The user has given it another size. False if it is the same.
+    bool TakeSize();
+    void SetFullScreen(bool full);
+    bool IsFullScreen() const;
+    void SetTitle(const std::string& title);
+
+    // The page's height has changed.
+    void SetContentHeight(SInt16 height);
+    // Scrolls so that this row of the page is the window's first, as far as the page goes.
+    void ScrollTo(SInt32 top);
+    // Scrolls as little as shows the rectangle.
+    void ScrollToShow(const Rect& rect);
+    SInt16 Top() const { return top_; }
+    Rect View() const;
+    Point ToPage(SInt32 x, SInt32 y) const;
+
+    // The scroll bar lies over the window's right edge, where the page is higher than the window.
+    bool IsOnScrollBar(SInt32 x) const;
+    void ScrollBarTo(SInt32 y);
+
+    // A picture over the page's middle, x, R, G, B in memory; empty: none.
+    struct Panel {
+        SInt16 width = 0;
+        SInt16 height = 0;
+        std::vector<UInt8> pixels;
+    };
+    void ShowPanel(Panel panel);
+
+    // Everything is to be shown again.
+    void Invalidate() { isInvalid_ = true; }
+    // Brings changed parts of the page to the screen.
+    void Present(CGrafPtr port, const std::vector<Rect>& changes);
+
+private:
+    void CopyPart(CGrafPtr port, const Rect& part, SDL_Surface& surface) const;
+    void DrawPanel(const Rect& part, SDL_Surface& surface) const;
+    void DrawScrollBar(SDL_Surface& surface) const;
+    Rect ScrollThumb() const;
+    Rect PanelPlace() const;
+
+    struct DestroyWindow {
+        void operator()(SDL_Window* window) const { SDL_DestroyWindow(window); }
+    };
+    std::unique_ptr<SDL_Window, DestroyWindow> window_;
+    SInt16 width_ = 0;
+    SInt16 height_ = 0;
+    SInt16 contentHeight_ = 0;
+    SInt16 top_ = 0;
+    bool isInvalid_ = true;
+    Panel panel_;
+};
+
+} // namespace viewer

@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/window/WindowRun.h"
+
+#include "viewer/PageClock.h"
+#include "viewer/StopRequest.h"
+
+#include <algorithm>
+
+namespace viewer
+{
+namespace
+{
+
+constexpr SInt64 kMicrosecondsPerMillisecond = 1000;
+// A thread may take one turn to get to where its next one shows.
+constexpr int kQuietRoundsAtRest = 2;
+// The toolbox may need several turns for something to show; after so many it can wait a little.
+constexpr int kMostQuietRounds = 50;
+// How long a wait inside a bundle may take, in milliseconds.
+constexpr int kShortWait = 5;
+
+const StreamWatch* gWatch = nullptr;
+
+void WakeWatch()
+{
+    if (const StreamWatch* const watch = gWatch) {
+        watch->Wake();
+    }
+}
+
+std::string TitleOf(const Options& options)
+{
+    const std::string& first = options.objects.front().location;
+    const std::string name = first == "-" ? "standard input" : first.substr(first.rfind('/') + 1);
+    const size_t others = options.objects.size() - 1;
+    return name + (others == 0 ? "" : " and " + std::to_string(others) + " more") + " - vornview";
+}
+
+} // namespace
+
+WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
+    : options_(options), window_(TitleOf(options), options.width, options.height),
+      wakeEvent_(SDL_RegisterEvents(1)), watch_(wakeEvent_),
+      sound_(options.wavPath.empty() ? std::make_unique<SoundDevice>() : nullptr),
+      work_(options, plugins, *this), captions_(work_.ThePage()), input_(work_.ThePage(), window_),
+      saver_(work_.ThePage(), options.picturesFolder), snapshots_(options.snapshots)
+{
+    Page& page = work_.ThePage();
+    page.SetStyle(Captions::Style());
+    page.SetIdleRhythm(IdleRhythm::Kind::kSlackening);
+    input_.FitPage();
+    gWatch = &watch_;
+    SetStopAlarm(WakeWatch);
+}
+
+WindowRun::~WindowRun()
+{
+    SetStopAlarm(nullptr);
+    gWatch = nullptr;
+}
+
+PageReport WindowRun::Run()
+{
+    work_.ThePage().DrawChanges();
+    while (true) {
+        HandleEvents();
+        DoRound();
+        Show();
+        snapshots_.TakeDue(work_.ThePage().Port(), clock_.Now());
+        if (IsOver()) {
+            break;
+        }
+        Sleep();
+    }
+    snapshots_.TakeLast(work_.ThePage().Port());
+    PageReport report = work_.MakeReport();
+    work_.TellOutcome();
+    work_.EndObjects();
+    MeasureProcess(report);
+    return report;
+}
+
+void WindowRun::HandleEvents()
+{
+    SDL_Event event;
+    while (SDL_PollEvent(&event) != 0) {
+        input_.Handle(event);
+        quietRounds_ = 0;
+    }
+    HandleWish();
+    if (work_.User().SendDue(clock_.Now())) {
+        quietRounds_ = 0;
+    }
+}
+
+void WindowRun::HandleWish()
+{
+    const std::optional<PageInput::Wish> wish = input_.TakeWish();
+    if (wish == PageInput::Wish::kSavePicture) {
+        saver_.SavePicture(input_.ObjectToSave());
+    } else if (wish == PageInput::Wish::kSavePage) {
+        saver_.SavePage();
+    }
+}
+
+void WindowRun::DoRound()
+{
+    work_.ThePage().SetView(window_.View());
+    const PageWork::Mark before = work_.Look();
+    work_.DoRound();
+    quietRounds_ = work_.Look() == before ? quietRounds_ + 1 : 0;
+    if (sound_ != nullptr) {
+        sound_->Tend(clock_);
+    }
+}
+
+void WindowRun::Show()
+{
+    Page& page = work_.ThePage();
+    window_.SetContentHeight(page.ContentHeight());
+    captions_.Update(input_.Focus());
+    window_.Present(page.Port(), page.TakeChanges());
+}
+
+bool WindowRun::IsOver() const
+{
+    return input_.WantsToQuit() || StopWasAsked() ||
+           (options_.until && clock_.Now() >= *options_.until);
+}
+
+void WindowRun::Sleep()
+{
+    const int enough = PageWork::IsToolboxBusy() ? kMostQuietRounds : kQuietRoundsAtRest;
+    if (quietRounds_ < enough) {
+        return;
+    }
+    watch_.Watch(work_.AwaitedStreams());
+    const SInt64 next = NextInstant();
+    if (next == INT64_MAX) {
+        SDL_WaitEvent(nullptr);
+        return;
+    }
+    const SInt64 wait = next - clock_.Now() + kMicrosecondsPerMillisecond - 1;
+    const SInt64 milliseconds = wait / kMicrosecondsPerMillisecond;
+    SDL_WaitEventTimeout(nullptr, static_cast<int>(std::clamp<SInt64>(milliseconds, 1, INT32_MAX)));
+}
+
+// By the page's clock; the highest number for none.
+SInt64 WindowRun::NextInstant() const
+{
+    const SInt64 now = clock_.Now();
+    SInt64 next = options_.until.value_or(INT64_MAX);
+    const auto consider = [&](std::optional<SInt64> time) {
+        next = std::min(next, time.value_or(INT64_MAX));
+    };
+    if (const SInt64 deadline = NextToolboxDeadline(); deadline >= 0) {
+        consider(deadline);
+    }
+    consider(work_.ThePage().NextTime());
+    consider(const_cast<PageWork&>(work_).User().NextTime());
+    consider(snapshots_.NextTime());
+    consider(work_.Starter().NextDeadline());
+    if (sound_ != nullptr && sound_->NextTime()) {
+        consider(now + std::max<SInt64>(0, *sound_->NextTime() - WindowClock::RealNow()));
+    }
+    // Bytes arrive with every tick; and where nobody is waited for, something is to be done.
+    if (!work_.IsLoaded() && (IsAnyPaced() || work_.AwaitedStreams().empty())) {
+        consider(now + kTickMicroseconds);
+    }
+    return next;
+}
+
+bool WindowRun::IsAnyPaced() const
+{
+    const auto& objects = work_.ThePage().Objects();
+    return std::any_of(objects.begin(), objects.end(), [](const auto& each) {
+        return each->HasBytes() && each->Bytes().IsPaced() && !each->IsSettled();
+    });
+}
+
+void WindowRun::LetTimePass()
+{
+    std::vector<pollfd> streams = work_.AwaitedStreams();
+    poll(streams.data(), streams.size(), kShortWait);
+    SDL_PumpEvents();
+}
+
+} // namespace viewer

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+//
+// Runs a page in a window, on the real clock.
+#pragma once
+
+#include "viewer/PageWork.h"
+#include "viewer/Snapshots.h"
+#include "viewer/window/Captions.h"
+#include "viewer/window/PageInput.h"
+#include "viewer/window/PictureSaver.h"
+#include "viewer/window/SoundDevice.h"
+#include "viewer/window/StreamWatch.h"
+
+namespace viewer
+{
+
+// Does rounds of work as long as anything moves, and sleeps in the event queue until something is
+// due, the user does something, or a stream has bytes: a page on which nothing happens costs
+// nothing.
+class WindowRun : public HostTime
+{
+public:
+    // Throws NoDisplay.
+    WindowRun(const Options& options, const PluginFolder& plugins);
+    ~WindowRun() override;
+
+    // Runs until the user closes the window (or Options::until), frees the objects, and tells what
+    // happened.
+    PageReport Run();
+    bool OutputFailed() const { return snapshots_.Failed(); }
+
+    void LetTimePass() override;
+
+private:
+    void HandleEvents();
+    void HandleWish();
+    void DoRound();
+    void Show();
+    bool IsOver() const;
+    void Sleep();
+    SInt64 NextInstant() const;
+    bool IsAnyPaced() const;
+
+    const Options& options_;
+    WindowClock clock_;
+    PageWindow window_;
+    UInt32 wakeEvent_;
+    StreamWatch watch_;
+    std::unique_ptr<SoundDevice> sound_; // none if the page's sound goes to a file
+    PageWork work_;
+    Captions captions_;
+    PageInput input_;
+    PictureSaver saver_;
+    Snapshots snapshots_;
+    int quietRounds_ = 0;
+};
+
+} // namespace viewer
