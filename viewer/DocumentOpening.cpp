@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/DocumentOpening.h"
+
+#include "viewer/HttpUrl.h"
+#include "viewer/MimeTypeGuess.h"
+#include "viewer/ReadFully.h"
+
+#include <array>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace viewer
+{
+namespace
+{
+
+constexpr SInt32 kBytesToLookAt = 8192;
+
+// Not open for what is no file, which the source tells of, or whose bytes come only once.
+FileDescriptor OpenFile(const std::string& location)
+{
+    if (location == "-" || IsHttpUrl(location)) {
+        return FileDescriptor();
+    }
+    FileDescriptor file(open(location.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {
+    };
+    const bool isFile = file.IsOpen() && fstat(file.Get(), &status) == 0 &&
+                        S_ISREG(status.st_mode) && status.st_size < kObjectSizeLimit;
+    return isFile ? std::move(file) : FileDescriptor();
+}
+
+bool LooksLikeDocument(const FileDescriptor& file, const std::string& location)
+{
+    std::array<char, kBytesToLookAt> start{};
+    const auto length = static_cast<size_t>(ReadFully(file.Get(), start.data(), 0, kBytesToLookAt));
+    return GuessMimeType(reinterpret_cast<const UInt8*>(start.data()), length).empty() &&
+           IsMimeDocument(location, {start.data(), length});
+}
+
+} // namespace
+
+std::optional<MimeDocument> OpenDocument(const ObjectRequest& request)
+{
+    if (!request.mimeType.empty() && !IsMimeDocumentType(request.mimeType)) {
+        return std::nullopt;
+    }
+    FileDescriptor file = OpenFile(request.location);
+    if (!file.IsOpen() ||
+        (request.mimeType.empty() && !LooksLikeDocument(file, request.location))) {
+        return std::nullopt;
+    }
+    return ReadMimeDocument(std::move(file));
+}
+
+} // namespace viewer

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "viewer/MimeDocument.h"
+#include "viewer/Options.h"
+
+#include <optional>
+
+namespace viewer
+{
+
+// The document that an object of the command line is, if it is a file and a MIME document. Throws
+// SourceFailure for one that has nothing to show.
+std::optional<MimeDocument> OpenDocument(const ObjectRequest& request);
+
+} // namespace viewer

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/MimeWalk.h"
+
+#include "viewer/DeclaredType.h"
+#include "viewer/GMimePointer.h"
+#include "viewer/MimePartSource.h"
+#include "viewer/PlainText.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <set>
+
+namespace viewer
+{
+namespace
+{
+
+constexpr int kMostParts = 1000;
+constexpr int kDeepestNesting = 32;
+constexpr size_t kMostText = 1 << 20; // of the whole document
+
+std::string TextOrNothing(const char* text)
+{
+    return text == nullptr ? "" : text;
+}
+
+// A file's name that a document gives must not lead anywhere.
+std::string LastOfPath(const std::string& name)
+{
+    const size_t slash = name.find_last_of("/\\");
+    return slash == std::string::npos ? name : name.substr(slash + 1);
+}
+
+bool IsOfType(GMimeObject& object, const char* type, const char* subtype)
+{
+    GMimeContentType* const declared = g_mime_object_get_content_type(&object);
+    return declared != nullptr && g_mime_content_type_is_type(declared, type, subtype) != FALSE;
+}
+
+std::string TypeOf(GMimeObject& object)
+{
+    GMimeContentType* const declared = g_mime_object_get_content_type(&object);
+    const GMimeText type(declared == nullptr ? nullptr
+                                             : g_mime_content_type_get_mime_type(declared));
+    return ReadDeclaredType(TextOrNothing(type.get()));
+}
+
+// The name it is to be saved by, else the end of the place it came from.
+std::string FileNameOf(GMimePart& part)
+{
+    const std::string name = TextOrNothing(g_mime_part_get_filename(&part));
+    std::string location = TextOrNothing(g_mime_part_get_content_location(&part));
+    location = location.substr(0, location.find_first_of("?#"));
+    return LastOfPath(name.empty() ? location : name);
+}
+
+// A stream of its own over the part's bytes as they were before they were encoded; null for a part
+// without content.
+GMimePointer<GMimeStream> DecodedStream(GMimePart& part)
+{
+    GMimeDataWrapper* const content = g_mime_part_get_content(&part);
+    GMimeStream* const encoded =
+        content == nullptr ? nullptr : g_mime_data_wrapper_get_stream(content);
+    if (encoded == nullptr) {
+        return nullptr;
+    }
+    const GMimePointer<GMimeStream> own(
+        g_mime_stream_substream(encoded, encoded->bound_start, encoded->bound_end));
+    GMimePointer<GMimeStream> decoded(g_mime_stream_filter_new(own.get()));
+    const GMimePointer<GMimeFilter> decoder(
+        g_mime_filter_basic_new(g_mime_data_wrapper_get_encoding(content), FALSE));
+    g_mime_stream_filter_add(GMIME_STREAM_FILTER(decoded.get()), decoder.get());
+    return decoded;
+}
+
+class Walk
+{
+public:
+    MimeDocument Through(GMimeMessage& message)
+    {
+        TakeMessage(message, 0);
+        TellWhatIsMissing();
+        return std::move(document_);
+    }
+
+private:
+    void TakeMessage(GMimeMessage& message, int depth)
+    {
+        if (GMimeObject* const content = g_mime_message_get_mime_part(&message)) {
+            Take(*content, depth, false);
+        }
+    }
+
+    void Take(GMimeObject& object, int depth, bool hasPlainText)
+    {
+        if (++parts_ > kMostParts || depth > kDeepestNesting) {
+            isTooMuch_ = true;
+        } else if (GMIME_IS_MULTIPART(&object)) {
+            TakeMultipart(*GMIME_MULTIPART(&object), depth, hasPlainText);
+        } else if (GMIME_IS_MESSAGE_PART(&object)) {
+            if (GMimeMessage* const inner =
+                    g_mime_message_part_get_message(GMIME_MESSAGE_PART(&object))) {
+                TakeMessage(*inner, depth + 1);
+            }
+        } else if (GMIME_IS_PART(&object)) {
+            TakePart(*GMIME_PART(&object), hasPlainText);
+        }
+    }
+
+    // Of alternatives the plain text is read; media may belong to any of them.
+    void TakeMultipart(GMimeMultipart& multipart, int depth, bool hasPlainText)
+    {
+        const int count = std::min(g_mime_multipart_get_count(&multipart), kMostParts + 1);
+        bool isPlainBeside = hasPlainText;
+        if (IsOfType(*GMIME_OBJECT(&multipart), "multipart", "alternative")) {
+            for (int i = 0; i < count; ++i) {
+                isPlainBeside = isPlainBeside || IsOfType(*g_mime_multipart_get_part(&multipart, i),
+                                                          "text", "plain");
+            }
+        }
+        for (int i = 0; i < count; ++i) {
+            Take(*g_mime_multipart_get_part(&multipart, i), depth + 1, isPlainBeside);
+        }
+    }
+
+    void TakePart(GMimePart& part, bool hasPlainText)
+    {
+        GMimeObject& object = *GMIME_OBJECT(&part);
+        const std::string type = TypeOf(object);
+        const std::string fileName = FileNameOf(part);
+        if (IsOfType(object, "text", "html")) {
+            if (!hasPlainText) {
+                TakeText(part, true);
+            }
+        } else if (IsOfType(object, "text", "plain")) {
+            TakeText(part, false);
+        } else if (IsMedium(type, fileName)) {
+            TakeMedium(part, type, fileName);
+        } else if (g_mime_part_is_attachment(&part) != FALSE) {
+            Tell((fileName.empty() ? "an attachment" : fileName) + " (" +
+                 (type.empty() ? "unknown type" : type) + ") is neither text nor a medium");
+        }
+    }
+
+    // An undeclared type shows in the bytes or in the name; style sheets and the like are not
+    // objects for it.
+    static bool IsMedium(const std::string& type, const std::string& fileName)
+    {
+        return type.starts_with("image/") || type.starts_with("video/") ||
+               type.starts_with("audio/") ||
+               (type.empty() && std::filesystem::path(fileName).has_extension());
+    }
+
+    void TakeMedium(GMimePart& part, const std::string& type, const std::string& fileName)
+    {
+        const std::string id = TextOrNothing(g_mime_object_get_content_id(GMIME_OBJECT(&part)));
+        if (!id.empty() && !contentIds_.insert(id).second) {
+            return; // the same again
+        }
+        GMimePointer<GMimeStream> stream = DecodedStream(part);
+        if (stream == nullptr) {
+            Tell((fileName.empty() ? type : fileName) + " has no content");
+            return;
+        }
+        document_.items.emplace_back(
+            MimeMedium{fileName, std::make_unique<MimePartSource>(std::move(stream), type)});
+    }
+
+    void TakeText(GMimePart& part, bool isHtml)
+    {
+        const std::string text = ReadText(part);
+        for (std::string& paragraph : ParagraphsOf(isHtml ? TextOfHtml(text) : text)) {
+            document_.items.emplace_back(std::move(paragraph));
+        }
+    }
+
+    // UTF-8, as far as the limit allows.
+    std::string ReadText(GMimePart& part)
+    {
+        const GMimePointer<GMimeStream> stream = DecodedStream(part);
+        if (stream == nullptr) {
+            return "";
+        }
+        const char* const charset =
+            g_mime_object_get_content_type_parameter(GMIME_OBJECT(&part), "charset");
+        const GMimePointer<GMimeFilter> converter(
+            charset == nullptr ? nullptr : g_mime_filter_charset_new(charset, "utf-8"));
+        if (converter != nullptr) {
+            g_mime_stream_filter_add(GMIME_STREAM_FILTER(stream.get()), converter.get());
+        }
+        const std::string text = ReadUpToLimit(*stream);
+        const GMimeText valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
+        return valid.get();
+    }
+
+    std::string ReadUpToLimit(GMimeStream& stream)
+    {
+        std::string text;
+        std::array<char, 4096> block;
+        ssize_t got = 0;
+        while (textLength_ < kMostText &&
+               (got = g_mime_stream_read(&stream, block.data(), block.size())) > 0) {
+            text.append(block.data(), static_cast<size_t>(got));
+            textLength_ += static_cast<size_t>(got);
+        }
+        isTooMuch_ = isTooMuch_ || textLength_ >= kMostText;
+        return text;
+    }
+
+    void Tell(const std::string& text) { document_.messages.push_back(text); }
+
+    void TellWhatIsMissing()
+    {
+        if (isTooMuch_) {
+            Tell("the document has more parts or text than are shown");
+        }
+    }
+
+    MimeDocument document_;
+    std::set<std::string> contentIds_;
+    int parts_ = 0;
+    size_t textLength_ = 0;
+    bool isTooMuch_ = false;
+};
+
+} // namespace
+
+MimeDocument WalkThrough(GMimeMessage& message)
+{
+    return Walk().Through(message);
+}
+
+} // namespace viewer
