@@ -25,11 +25,10 @@ void VornImagePlugin::Idle(const Rect& area, unsigned char)
 // The delay counts from the end of drawing, so that a slow machine shows every frame as long.
 void VornImagePlugin::ScheduleNextFrame()
 {
-    nextFrameTime = TickCount();
-    if (curFrame < 0 || curFrame >= frameCount)
-        return;
-    if (const TFrame* frame = frames[curFrame])
-        nextFrameTime += static_cast<UInt32>(frame->delayTicks);
+    const UInt32 now = TickCount();
+    const bool isCounted = curFrame >= 0 && curFrame < frameCount;
+    const TFrame* frame = isCounted ? frames[curFrame] : nullptr;
+    nextFrameTime = now + static_cast<UInt32>(frame ? frame->delayTicks : 0);
 }
 
 Boolean VornImagePlugin::HandleClick(const Rect& area, const EventRecord&)

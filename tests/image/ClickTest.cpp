@@ -39,6 +39,7 @@ TEST_F(ClickedImage, GoesOnFromAFrameThatWaitsForTheUser)
 TEST_F(ClickedImage, DrawsTheFrameThatItGoesOnToInFull)
 {
     image->SetDisplayFlags(kVornDisplayPartialRedraw);
+    image->InvalidateRow(3);
     Click();
     EXPECT_THAT(Copies(), ElementsAre("CopyBits world2 0,0,40,20 world4 0,0,40,20 64 everywhere",
                                       "CopyBits world4 0,0,40,20 page 100,200,140,220 64 "
@@ -49,6 +50,16 @@ TEST_F(ClickedImage, ShowsThatFrameForItsDelay)
 {
     Click();
     EXPECT_EQ(image->nextFrameTime, 1120U);
+}
+
+TEST_F(ClickedImage, CountsTheDelayFromTheEndOfDrawing)
+{
+    probe.onCall = [&](const std::string& call) {
+        if (call.find(" page ") != std::string::npos)
+            clock.GoToTick(1050);
+    };
+    Click();
+    EXPECT_EQ(image->nextFrameTime, 1170U);
 }
 
 TEST_F(ClickedImage, DrawsThatFrameAgainWhenItsDelayIsOver)
@@ -120,8 +131,20 @@ TEST_F(ClickedImage, ThrowsForANextFrameThatIsCountedButNotInTheList)
 {
     image->frameCount = 9;
     image->curFrame = 2;
+    image->nextFrameTime = 77;
     EXPECT_EQ(test::ErrorOf([&] { Click(); }), paramErr);
     EXPECT_EQ(image->curFrame, 3);
+    EXPECT_EQ(image->nextFrameTime, 77U);
+}
+
+TEST_F(ClickedImage, HasGoneOnWhenTheNextFrameCannotBeDrawn)
+{
+    image->compositeGWorld = nullptr;
+    image->nextFrameTime = 77;
+    probe.Fail("NewGWorld", -4321);
+    EXPECT_EQ(test::ErrorOf([&] { Click(); }), -4321);
+    EXPECT_EQ(image->curFrame, 1);
+    EXPECT_EQ(image->nextFrameTime, 77U);
 }
 
 TEST_F(ClickedImage, IgnoresClicksOnAnEmptySlot)

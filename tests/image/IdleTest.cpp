@@ -143,6 +143,23 @@ TEST_F(IdleImage, CountsTheDelayFromTheEndOfDrawing)
     EXPECT_EQ(image->nextFrameTime, 126U);
 }
 
+TEST_F(IdleImage, ReadsTheClockBeforeAndAfterDrawing)
+{
+    AddFrames(2, 0);
+    Start();
+    FramesDrawn(1);
+    EXPECT_THAT(Calls({"TickCount", "CopyBits"}),
+                ElementsAre("TickCount", "CopyBits world2 0,0,40,20 world1 0,0,40,20 64 everywhere",
+                            "CopyBits world1 0,0,40,20 page 100,200,140,220 64 everywhere",
+                            "TickCount"));
+}
+
+TEST_F(IdleImage, ReadsTheClockOnceWhenThereIsNothingToDo)
+{
+    FramesDrawn(1);
+    EXPECT_EQ(probe.Count("TickCount"), 1);
+}
+
 TEST_F(IdleImage, ComparesTicksAsUnsigned)
 {
     AddFrames(2, 0);
@@ -157,9 +174,20 @@ TEST_F(IdleImage, DrawsInFullWhateverTheFlagsSay)
     AddFrames(2, 0);
     Start();
     image->SetDisplayFlags(kVornDisplayPartialRedraw);
+    image->InvalidateRow(3);
     image->curFrame = 1;
     FramesDrawn(1);
     EXPECT_EQ(Copies().back(), "CopyBits world1 0,0,40,20 page 100,200,140,220 64 everywhere");
+}
+
+TEST_F(IdleImage, LooksAtNoFlagOfTheHosts)
+{
+    AddFrames(2, 0);
+    Start();
+    probe.Forget();
+    image->Idle(kArea, 0xFF);
+    EXPECT_EQ(Copies().size(), 2U);
+    EXPECT_EQ(image->curFrame, 1);
 }
 
 TEST_F(IdleImage, DoesNotWaitForTheUser)
@@ -192,6 +220,15 @@ TEST_F(IdleImage, IsDoneWhenSixteenBitsOfLoopsAreCounted)
     EXPECT_EQ(image->animationDone, 1);
 }
 
+TEST_F(IdleImage, IsDoneAtANegativeLoopCountToo)
+{
+    AddFrames(1, 0);
+    Start(-3);
+    image->loopsDone = -5;
+    EXPECT_EQ(FramesDrawn(4).size(), 2U);
+    EXPECT_EQ(image->animationDone, 1);
+}
+
 TEST_F(IdleImage, IsDueAtOnceAfterAFrameThatItDoesNotCount)
 {
     AddFrames(2, 50);
@@ -212,6 +249,36 @@ TEST_F(IdleImage, ThrowsForAFrameThatIsCountedButNotInTheList)
     image->curFrame = 2;
     EXPECT_EQ(test::ErrorOf([&] { image->Idle(kArea, 0); }), paramErr);
     EXPECT_EQ(image->curFrame, 2);
+}
+
+TEST_F(IdleImage, KeepsItsTimeWhenAFrameIsCountedButNotInTheList)
+{
+    AddFrames(1, 0);
+    Start();
+    image->frameCount = 3;
+    image->curFrame = 2;
+    image->nextFrameTime = 77;
+    clock.GoToTick(100);
+    EXPECT_EQ(test::ErrorOf([&] { image->Idle(kArea, 0); }), paramErr);
+    EXPECT_EQ(image->nextFrameTime, 77U);
+}
+
+TEST_F(IdleImage, CountsItsCurrentFrameInSixteenBits)
+{
+    AddFrames(1, 0);
+    Start();
+    image->curFrame = 32767;
+    EXPECT_THAT(FramesDrawn(1), IsEmpty());
+    EXPECT_EQ(image->curFrame, -32768);
+}
+
+TEST_F(IdleImage, HasPlayedALoopOfNoFramesAtOnce)
+{
+    Start(1);
+    FramesDrawn(1);
+    EXPECT_EQ(image->curFrame, 0);
+    EXPECT_EQ(image->loopsDone, 1);
+    EXPECT_EQ(image->animationDone, 1);
 }
 
 TEST_F(IdleImage, StaysWhereItIsWhenItsCompositeCannotBeMade)
