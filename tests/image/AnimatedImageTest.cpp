@@ -111,6 +111,26 @@ TEST_F(AnimatedImage, MakesItsCompositeOnceWithSixteenBits)
     EXPECT_THAT(Calls({"NewGWorld"}), IsEmpty());
 }
 
+TEST_F(AnimatedImage, MakesItsCompositeInTheMemoryThatItUses)
+{
+    image->compositeGWorld = nullptr;
+    image->usesTempMem = 0;
+    Draw();
+    EXPECT_THAT(Calls({"NewGWorld"}), ElementsAre("NewGWorld 16 0,0,40,20 no-colors 0"));
+}
+
+TEST_F(AnimatedImage, ComposesInItsOwnRectangleWhereverThatBegins)
+{
+    image->SetDisplayRect({5, 3, 45, 23});
+    image->compositeGWorld = nullptr;
+    AddPart(0, 0);
+    Draw();
+    EXPECT_THAT(Calls({"NewGWorld"}), ElementsAre("NewGWorld 16 5,3,45,23 no-colors 4"));
+    EXPECT_EQ(Copies().back(), "CopyBits world4 5,3,45,23 page 100,200,140,220 64 everywhere");
+    Draw(false);
+    EXPECT_EQ(Copies().back(), "CopyBits world4 20,6,30,14 page 115,203,125,211 64 everywhere");
+}
+
 TEST_F(AnimatedImage, MakesAColorTableWithWhiteForItsCompositeAndThrowsItAway)
 {
     image->compositeGWorld = nullptr;
@@ -140,6 +160,15 @@ TEST_F(AnimatedImage, ThrowsWhenThereIsNoMemoryForTheColorTable)
     probe.Fail("NewHandleClear", memFullErr);
     EXPECT_EQ(test::ErrorOf([&] { Draw(); }), memFullErr);
     EXPECT_EQ(image->compositeGWorld, nullptr);
+}
+
+TEST_F(AnimatedImage, KeepsItsNewRowsWhenItsCompositeCannotBeMade)
+{
+    image->compositeGWorld = nullptr;
+    probe.Fail("NewGWorld", -4321);
+    EXPECT_EQ(test::ErrorOf([&] { DrawRows(3, 5); }), -4321);
+    EXPECT_EQ(image->invalidTop, 3);
+    EXPECT_EQ(image->invalidBottom, 5);
 }
 
 TEST_F(AnimatedImage, HasNotBeenDisplayedWhenItsCompositeCannotBeMade)
@@ -266,6 +295,14 @@ TEST_F(AnimatedImage, CopiesADeepMaskOverThePlaceToo)
     EXPECT_EQ(Copies().back(), "CopyBits world4 0,0,10,8 world2 20,6,30,14 64 everywhere");
 }
 
+TEST_F(AnimatedImage, CopiesTheMaskOverThePlaceWhateverTheFramesTransparencySays)
+{
+    AddPart(1, kDisposalRestoreBackground);
+    image->SetFrameTransparency(1, 0, -1);
+    Draw();
+    EXPECT_EQ(Copies().back(), "CopyBits world4 0,0,10,8 world2 20,6,30,14 64 everywhere");
+}
+
 TEST_F(AnimatedImage, LeavesThePlaceWhenTheMaskCannotBeLockedForIt)
 {
     AddPart(1, kDisposalRestoreBackground);
@@ -285,6 +322,19 @@ TEST_F(AnimatedImage, SavesAndPutsBackWhatWasUnderTheFrame)
                             kFrameToComposite, kCompositeToPage,
                             "CopyBits world4 0,0,10,8 world2 20,6,30,14 64 everywhere",
                             "DisposeGWorld world4", "UnlockPixels world2"));
+}
+
+TEST_F(AnimatedImage, SavesBeforeItSetsTheColorsForTheFrame)
+{
+    AddPart(0, kDisposalRestorePrevious);
+    Draw();
+    EXPECT_THAT(
+        Calls({"SetGWorld", "ForeColor", "BackColor", "CopyBits"}),
+        ElementsAre("SetGWorld world2", "SetGWorld world4", "BackColor world4 30",
+                    "SetGWorld world2", "CopyBits world2 20,6,30,14 world4 0,0,10,8 64 everywhere",
+                    "ForeColor world2 33", "BackColor world2 30", kFrameToComposite,
+                    "SetGWorld page", kCompositeToPage, "SetGWorld world2",
+                    "CopyBits world4 0,0,10,8 world2 20,6,30,14 64 everywhere", "SetGWorld page"));
 }
 
 TEST_F(AnimatedImage, SavesInTheMemoryThatTheImageUses)

@@ -13,9 +13,9 @@ class DraggedImage : public test::ScriptedImageTest
 {
 protected:
     // An image of one frame, as high and as wide as that.
-    void Make(SInt16 height, SInt16 width)
+    void Make(SInt16 height, SInt16 width) { MakeIn({0, 0, height, width}); }
+    void MakeIn(const Rect& bounds)
     {
-        const Rect bounds = {0, 0, height, width};
         image->SetDisplayRect(bounds);
         AddFrame(0, bounds);
         image->SetDisplayFlags(kVornDisplayScale);
@@ -137,6 +137,33 @@ TEST_F(DraggedImage, MovesTheFittedImageWithItsPlaceOnTheScreen)
     EXPECT_EQ(DragImage(), "SetDragImage world2 everywhere 1150 2160 17");
 }
 
+TEST_F(DraggedImage, MovesTheFittedImageByWhereTheBoxStandsInTheBounds)
+{
+    MakeIn({1000, 2000, 1400, 2400});
+    Prepare({0, 0, 400, 400});
+    EXPECT_EQ(DragImage(), "SetDragImage world2 everywhere 1140 2140 17");
+}
+
+TEST_F(DraggedImage, IsFittedIntoABoxWithMorePixelsThan32BitsCount)
+{
+    MakeIn({-32768, -32768, 32767, 32767});
+    Prepare({0, 0, 400, 400});
+    EXPECT_EQ(probe.Count("NewGWorld"), 1);
+}
+
+TEST_F(DraggedImage, IsPlacedOnThePageBeforeItIsFittedAndHandedOutAfterwards)
+{
+    Make(400, 400);
+    Prepare({0, 0, 400, 400});
+    EXPECT_THAT(Calls({"AddDragItemFlavor", "LocalToGlobal", "NewGWorld", "SetGWorld", "CopyBits",
+                       "SetDragImage"}),
+                ElementsAre("AddDragItemFlavor 7 PICT promised 0 0", "LocalToGlobal page",
+                            "NewGWorld 0 0,0,120,120 no-colors 4", "SetGWorld world2",
+                            "SetGWorld page", "SetGWorld world2",
+                            "CopyBits world1 0,0,400,400 world2 0,0,120,120 64 everywhere",
+                            "SetGWorld page", "SetDragImage world2 everywhere 140 140 17"));
+}
+
 TEST_F(DraggedImage, MakesTheFittedImageInTemporaryMemoryEvenIfTheImageUsesNone)
 {
     Make(400, 400);
@@ -148,6 +175,7 @@ TEST_F(DraggedImage, MakesTheFittedImageInTemporaryMemoryEvenIfTheImageUsesNone)
 TEST_F(DraggedImage, DrawsItselfIntoTheFittedImage)
 {
     Make(400, 400);
+    image->InvalidateRow(3); // and yet all of it
     Prepare({0, 0, 400, 400});
     EXPECT_EQ(Copies().back(), "CopyBits world1 0,0,400,400 world2 0,0,120,120 64 everywhere");
     EXPECT_EQ(Calls({"SetGWorld"}).back(), "SetGWorld page");

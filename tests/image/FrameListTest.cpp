@@ -52,6 +52,13 @@ TEST_F(FrameList, MakesTheFirstOfTheFramesThatFollowCurrentAgainAfterNone)
     EXPECT_EQ(image->curFrame, 0);
 }
 
+TEST_F(FrameList, LeavesACurrentFrameThatCannotBeOne)
+{
+    image->curFrame = -2;
+    Add(0);
+    EXPECT_EQ(image->curFrame, -2);
+}
+
 TEST_F(FrameList, CountsTheFramesBesideTheList)
 {
     Add(0);
@@ -68,6 +75,23 @@ TEST_F(FrameList, NumbersAFrameByTheCountAndNotByTheList)
     EXPECT_EQ(index, 0);
     EXPECT_EQ(image->frameCount, 1);
     EXPECT_NE(image->frames[1], nullptr);
+}
+
+TEST_F(FrameList, CountsInSixteenBits)
+{
+    image->frameCount = 32767;
+    Add(0);
+    EXPECT_EQ(index, 32767);
+    EXPECT_EQ(image->frameCount, -32768);
+}
+
+TEST_F(FrameList, HasCountedAFrameThatItFindsNoSlotFor)
+{
+    image->frames.count = INT32_MAX - 1; // a list can have no more slots
+    EXPECT_EQ(test::ErrorOf([&] { Add(0); }), memFullErr);
+    EXPECT_EQ(image->frameCount, 1);
+    EXPECT_EQ(image->curFrame, -1);
+    EXPECT_EQ(index, -7);
 }
 
 TEST_F(FrameList, GrowsByFourSlots)
@@ -196,6 +220,15 @@ TEST_F(FrameList, AnswersWithAFramesBounds)
     Rect bounds{};
     image->GetFrameBounds(0, bounds);
     EXPECT_EQ(test::Text(bounds), "0,0,10,20");
+}
+
+TEST_F(FrameList, LeavesTheRectangleAloneForAFrameWithoutPixels)
+{
+    Add(0);
+    image->SetFrameGWorld(0, nullptr);
+    Rect bounds = {1, 2, 3, 4};
+    image->GetFrameBounds(0, bounds);
+    EXPECT_EQ(test::Text(bounds), "1,2,3,4");
 }
 
 TEST_F(FrameList, HasNoWorldsInAnEmptySlot)

@@ -150,14 +150,14 @@ TEST_F(ImageFrame, StoresWhatItIsTold)
 {
     TFrame frame(nullptr, 8, nullptr, 0);
     frame.SetDisplayPosition({5, -6});
-    frame.SetTransparency(1, 17);
-    frame.SetUserInput(1);
+    frame.SetTransparency(2, 17);
+    frame.SetUserInput(0x80);
     frame.SetDisposalMethod(-1);
     EXPECT_EQ(frame.displayPosition.v, 5);
     EXPECT_EQ(frame.displayPosition.h, -6);
-    EXPECT_EQ(frame.transparent, 1);
+    EXPECT_EQ(frame.transparent, 2);
     EXPECT_EQ(frame.transparentIndex, 17);
-    EXPECT_EQ(frame.userInput, 1);
+    EXPECT_EQ(frame.userInput, 0x80);
     EXPECT_EQ(frame.disposalMethod, -1);
 }
 

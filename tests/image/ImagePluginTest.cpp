@@ -195,8 +195,8 @@ TEST_F(ImagePlugin, DisposesOfTheBufferWhenDecodingEnds)
 
 TEST_F(ImagePlugin, KeepsLoopingAndItsCount)
 {
-    image->SetLooping(1, 3);
-    EXPECT_EQ(image->looping, 1);
+    image->SetLooping(0x80, 3);
+    EXPECT_EQ(image->looping, 0x80);
     EXPECT_EQ(image->loopCount, 3);
     image->SetLooping(0, 0);
     EXPECT_EQ(image->looping, 0);

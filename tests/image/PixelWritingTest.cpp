@@ -388,6 +388,15 @@ TEST(SetPixMapByteIndex, WritesInsideTheClipOnly)
     }
 }
 
+TEST(SetPixMapByteIndex, AddsTheOffsets)
+{
+    PixelMemory memory(8, 16);
+    memory.state.rowOffset = -2;
+    memory.state.columnOffset = 3;
+    SetPixMapByteIndex(&memory.state, &kClip, {3, 5}, 0x77);
+    EXPECT_EQ(memory.At(16 + 8), 0x77);
+}
+
 TEST(SetPixMapByteIndex, WritesNothingAtOtherDepths)
 {
     for (const int depth : {0, 3, 16, 24, 32, 255}) {

@@ -4,6 +4,20 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+
+TEST(PixelWriteState, KeepsItsFieldsInTheirOrder)
+{
+    constexpr std::size_t kPointer = sizeof(void*);
+    EXPECT_EQ(offsetof(PixelWriteState, depth), 0U);
+    EXPECT_EQ(offsetof(PixelWriteState, prepared), 1U);
+    EXPECT_EQ(offsetof(PixelWriteState, rowBytes), 2U);
+    EXPECT_EQ(offsetof(PixelWriteState, baseAddr), kPointer);
+    EXPECT_EQ(offsetof(PixelWriteState, rowOffset), 2 * kPointer);
+    EXPECT_EQ(offsetof(PixelWriteState, columnOffset), 2 * kPointer + 2);
+    EXPECT_EQ(offsetof(PixelWriteState, bounds), 2 * kPointer + 4);
+}
+
 TEST(PrepareSetPixel, TakesWhatThePixelMapSays)
 {
     test::ResetWorlds();

@@ -71,6 +71,29 @@ TEST_F(StillImage, CopiesThroughADeepMask)
                                       "100,200,140,220 64 everywhere"));
 }
 
+TEST_F(StillImage, TakesAMaskWithoutADepthForADeepOne)
+{
+    AddFrame();
+    image->SetFrameMaskGWorld(0, test::Graphics().NewWorld(kImageRect, 1));
+    Display();
+    EXPECT_THAT(Copies(), ElementsAre("CopyDeepMask world1 0,0,40,20 world2 0,0,40,20 page "
+                                      "100,200,140,220 64 everywhere"));
+}
+
+TEST_F(StillImage, CopiesThroughAMaskWhateverItsTransparencySays)
+{
+    AddFrame(1);
+    image->SetFrameTransparency(0, 0, -1);
+    Display();
+    EXPECT_THAT(Copies(),
+                ElementsAre("CopyMask world1 0,0,40,20 world2 0,0,40,20 page 100,200,140,220"));
+    image->SetFrameMaskGWorld(0, nullptr);
+    image->SetFrameTransparency(0, 1, 0);
+    Display();
+    EXPECT_THAT(Copies(),
+                ElementsAre("CopyBits world1 0,0,40,20 page 100,200,140,220 64 everywhere"));
+}
+
 TEST_F(StillImage, LeavesPixelsLockedThatTheDecoderLocked)
 {
     AddFrame(1);
@@ -96,6 +119,35 @@ TEST_F(StillImage, IsNotDrawnWhenItsMaskCannotBeLocked)
     Display();
     EXPECT_THAT(Copies(), IsEmpty());
     EXPECT_FALSE(test::Graphics().AnyLocked());
+}
+
+TEST_F(StillImage, OnlyPutsBackWhatItHasChangedWhenItsPixelsCannotBeLocked)
+{
+    AddFrame(1);
+    probe.Fail("LockPixels", memFullErr);
+    Display();
+    EXPECT_THAT(Calls(kDrawing),
+                ElementsAre("GetPort", "GetPort", "GetPixelsState world1", "LockPixels world1",
+                            "SetPixelsState world1 0", "SetPort page"));
+}
+
+TEST_F(StillImage, PutsBackBothStatesWhenItsMaskCannotBeLocked)
+{
+    AddFrame(1);
+    probe.Fail("LockPixels", memFullErr, 2);
+    Display();
+    EXPECT_THAT(Calls({"LockPixels", "SetPixelsState", "SetPort"}),
+                ElementsAre("LockPixels world1", "LockPixels world2", "SetPixelsState world2 0",
+                            "SetPixelsState world1 0", "SetPort page"));
+}
+
+TEST_F(StillImage, ForgetsItsNewRowsAlsoWhenItsPixelsCannotBeLocked)
+{
+    AddFrame();
+    probe.Fail("LockPixels", memFullErr);
+    DisplayNewRows({10});
+    EXPECT_EQ(image->invalidTop, -1);
+    EXPECT_EQ(image->invalidBottom, -1);
 }
 
 TEST_F(StillImage, IsNotDrawnWithoutPixels)
@@ -156,6 +208,14 @@ TEST_F(StillImage, ShowsItsCurrentFrameOnceDecoded)
     Display();
     EXPECT_THAT(Copies(),
                 ElementsAre("CopyBits world2 0,0,40,20 page 100,200,140,220 64 everywhere"));
+}
+
+TEST_F(StillImage, LooksForItsFrameInTheListWhateverIsCounted)
+{
+    AddFrame();
+    image->frameCount = 0;
+    Display();
+    EXPECT_EQ(Copies().size(), 1U);
 }
 
 TEST_F(StillImage, DrawsNothingForACurrentFrameOutOfRange)
@@ -221,6 +281,17 @@ TEST_F(StillImage, CopiesEverythingWithoutNewRowsOnceDecoded)
     DisplayNewRows({});
     EXPECT_THAT(Copies(),
                 ElementsAre("CopyBits world1 0,0,40,20 page 100,200,140,220 64 everywhere"));
+}
+
+TEST_F(StillImage, LooksAtNoFlagOfTheHosts)
+{
+    AddFrame();
+    image->SetDisplayFlags(kVornDisplayPartialRedraw);
+    image->InvalidateRow(10);
+    probe.Forget();
+    image->Display(kArea, 0xFF);
+    EXPECT_THAT(Copies(),
+                ElementsAre("CopyBits world1 10,0,11,20 page 110,200,111,220 64 everywhere"));
 }
 
 TEST_F(StillImage, TakesEachEdgeOfTheBandForItself)

@@ -155,6 +155,24 @@ TEST_F(StillPixels, AreNotChangedByBecomingAPicture)
     EXPECT_EQ(port, page);
 }
 
+TEST_F(StillPixels, LeaveThePortsDeviceCurrentWhenTheyBecomeAPicture)
+{
+    Make();
+    CGrafPtr port = nullptr;
+    GDHandle other = nullptr;
+    SetGWorld(image->GetFrameGWorld(0), nullptr);
+    GetGWorld(&port, &other);
+    SetGWorld(page, other);
+    UInt32 type = 0;
+    Handle data = nullptr;
+    image->GetData(type, &data);
+    DisposeHandle(data);
+    GDHandle device = nullptr;
+    GetGWorld(&port, &device);
+    SetGWorld(page, nullptr);
+    EXPECT_EQ(device, other);
+}
+
 TEST_F(StillPixels, BecomeAPictureFramedByTheirBounds)
 {
     MakeImage(8, 6);
