@@ -1,14 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "decoders/common/StillFrame.h"
 
-#include "toolbox/memory/Memory.h"
-
-namespace
-{
-
-constexpr int kColors = 256;
-
-} // namespace
+#include "decoders/common/Palette.h"
 
 void StillFrame::Add(SInt16 width, SInt16 height, UInt16 depth, CTabHandle colors, UInt16 maskDepth)
 {
@@ -27,23 +20,15 @@ void StillFrame::Add(SInt16 width, SInt16 height, UInt16 depth, CTabHandle color
 
 CTabHandle StillFrame::NewColors()
 {
-    constexpr Size kSize = offsetof(ColorTable, ctTable) + kColors * sizeof(ColorSpec);
-    const auto colors = reinterpret_cast<CTabHandle>(NewHandleClear(kSize));
-    if (colors == nullptr)
-        throw OSErr{memFullErr};
-    (*colors)->ctSeed = GetCTSeed();
-    (*colors)->ctSize = kColors - 1;
-    for (int i = 0; i < kColors; ++i)
-        (*colors)->ctTable[i].value = static_cast<SInt16>(i);
-    return colors;
+    return Palette().Release();
 }
 
 CTabHandle StillFrame::NewGrayRamp()
 {
-    const CTabHandle colors = NewColors();
-    for (int i = 0; i < kColors; ++i) {
-        const auto gray = static_cast<UInt16>(i * 0x0101);
-        (*colors)->ctTable[i].rgb = {gray, gray, gray};
+    Palette palette;
+    for (int i = 0; i < 256; ++i) {
+        const auto gray = static_cast<UInt8>(i);
+        palette.Set(i, Palette::ColorOf(gray, gray, gray));
     }
-    return colors;
+    return palette.Release();
 }

@@ -3,19 +3,14 @@
 
 #include "decoders/common/CommentText.h"
 #include "decoders/common/IndexedFrame.h"
-#include "decoders/common/StillFrame.h"
-#include "toolbox/memory/Memory.h"
+#include "decoders/common/Palette.h"
 
-#include <memory>
 #include <optional>
 #include <vector>
 
 namespace
 {
 
-constexpr UInt16 kDepth = 8;
-constexpr UInt16 kMaskDepth = 1;
-constexpr SInt32 kMaxFrames = 0x7FFF;
 constexpr size_t kMaxExtensionBytes = 4096;
 constexpr GraphicsControlBlock kNoControl = {DISPOSAL_UNSPECIFIED, false, 0, NO_TRANSPARENT_COLOR};
 
@@ -27,24 +22,19 @@ constexpr size_t kMostBytesAhead = 512;
 constexpr int kShortestDelay = 2;
 constexpr int kDelayInstead = 10;
 
-using ColorsOwner = std::unique_ptr<ColorTable*, void (*)(CTabHandle)>;
-
 RGBColor ColorOf(const GifColorType& color)
 {
-    return {static_cast<UInt16>(color.Red * 0x101), static_cast<UInt16>(color.Green * 0x101),
-            static_cast<UInt16>(color.Blue * 0x101)};
+    return Palette::ColorOf(color.Red, color.Green, color.Blue);
 }
 
 // Black and white where the file has no colours, as the format recommends.
-ColorsOwner MakeColors(const ColorMapObject* map)
+Palette PaletteOf(const ColorMapObject* map)
 {
-    ColorsOwner colors(StillFrame::NewColors(),
-                       [](CTabHandle table) { DisposeHandle(reinterpret_cast<Handle>(table)); });
-    ColorSpec* const entries = (*colors)->ctTable;
-    entries[1].rgb = {0xFFFF, 0xFFFF, 0xFFFF};
+    Palette palette;
+    palette.Set(1, {0xFFFF, 0xFFFF, 0xFFFF});
     for (int i = 0; map != nullptr && i < map->ColorCount; ++i)
-        entries[i].rgb = ColorOf(map->Colors[i]);
-    return colors;
+        palette.Set(i, ColorOf(map->Colors[i]));
+    return palette;
 }
 
 // The row that comes n-th in the file.
@@ -74,14 +64,15 @@ TDisposalMethod DisposalOf(int mode)
 } // namespace
 
 GifDecoder::GifDecoder(VornPlugin& image)
-    : image_(image), reader_(image), file_(*reader_.File()), newRows_(image), control_(kNoControl)
+    : image_(image), reader_(image), file_(*reader_.File()), canvas_(image), newRows_(image),
+      control_(kNoControl)
 {
 }
 
-void GifDecoder::Run()
+void GifDecoder::Decode()
 {
     if (file_.SColorMap != nullptr) {
-        globalColors_ = MakeColors(file_.SColorMap).release();
+        globalColors_ = PaletteOf(file_.SColorMap).Release();
         SetImageColorTable(&image_, globalColors_);
     }
     try {
@@ -91,15 +82,16 @@ void GifDecoder::Run()
         throw;
     }
     Finish();
-    if (frameCount_ == 0 && reader_.RanOut())
+    const bool hasFrames = canvas_.FrameCount() > 0;
+    if (!hasFrames && reader_.Bytes().RanOut())
         throw OSErr{kDataNotAvailableErr};
-    if (frameCount_ == 0 || lacksRows_)
+    if (!hasFrames || lacksRows_)
         throw OSErr{kVornErrRenderFailed};
 }
 
 void GifDecoder::ReadRecords()
 {
-    SetCanvas(file_.SWidth, file_.SHeight);
+    canvas_.SetSize(file_.SWidth, file_.SHeight);
     for (;;) {
         const GifRecordType type = reader_.NextRecord();
         if (type == IMAGE_DESC_RECORD_TYPE)
@@ -144,83 +136,43 @@ std::string GifDecoder::ReadExtensionBytes(int& function)
     return bytes;
 }
 
-void GifDecoder::SetCanvas(SInt32 width, SInt32 height)
-{
-    if (width == 0 || height == 0)
-        return; // the first image makes it
-    if (!budget_.Allows(static_cast<UInt64>(width), static_cast<UInt64>(height), kDepth,
-                        kMaskDepth))
-        throw OSErr{memFullErr};
-    canvas_ = {0, 0, static_cast<SInt16>(height), static_cast<SInt16>(width)};
-    SetObjectDisplayRect(&image_, &canvas_);
-}
-
 void GifDecoder::ReadImage()
 {
     reader_.Check(DGifGetImageHeader(&file_));
-    const GifImageDesc& head = file_.Image;
-    const SInt32 right = head.Left + head.Width;
-    const SInt32 bottom = head.Top + head.Height;
-    const bool isFirst = frameCount_ == 0;
-    if (isFirst && (right > canvas_.right || bottom > canvas_.bottom))
-        SetCanvas(std::max(right, file_.SWidth), std::max(bottom, file_.SHeight));
-    if (canvas_.right == 0)
-        throw OSErr{kVornErrRenderFailed}; // an image of nothing on a canvas of nothing
-    const auto x = [&](SInt32 h) { return std::min(h, SInt32{canvas_.right}); };
-    const auto y = [&](SInt32 v) { return std::min(v, SInt32{canvas_.bottom}); };
-    Rect target = {static_cast<SInt16>(y(head.Top)), static_cast<SInt16>(x(head.Left)),
-                   static_cast<SInt16>(y(bottom)), static_cast<SInt16>(x(right))};
-    const bool isEmpty = target.right <= target.left || target.bottom <= target.top;
-    if (isEmpty) {
-        target = {}; // one transparent pixel: nothing is seen of it, but it takes its time
+    const IndexedCanvas::Frame frame = AddFrame();
+    if (frame.IsEmpty())
         control_.DisposalMode = DISPOSE_DO_NOT;
-    }
-    const Rect place = isFirst ? canvas_ : isEmpty ? Rect{0, 0, 1, 1} : target;
-    const bool hasMask = isFirst || isEmpty || control_.TransparentColor != NO_TRANSPARENT_COLOR;
-    const SInt16 index = AddFrame(place, hasMask);
-    OffsetRect(&target, static_cast<SInt16>(-place.left), static_cast<SInt16>(-place.top));
-    ReadRows(index, target);
+    DescribeFrame(frame.index);
+    ReadRows(frame);
     control_ = kNoControl;
 }
 
-SInt16 GifDecoder::AddFrame(const Rect& place, bool hasMask)
+IndexedCanvas::Frame GifDecoder::AddFrame()
 {
-    const Rect bounds = {0, 0, static_cast<SInt16>(place.bottom - place.top),
-                         static_cast<SInt16>(place.right - place.left)};
-    // The mask is counted in any case: a frame that lacks rows gets one later.
-    budget_.Take(static_cast<UInt64>(bounds.right), static_cast<UInt64>(bounds.bottom), kDepth,
-                 kMaskDepth);
-    if (frameCount_ == kMaxFrames)
-        throw OSErr{memFullErr};
-    std::optional<ColorsOwner> ownColors;
-    if (file_.Image.ColorMap != nullptr || globalColors_ == nullptr)
-        ownColors = MakeColors(file_.Image.ColorMap);
-    SInt16 index = -1;
-    const OSErr err =
-        AddNewFrame(&image_, &bounds, kDepth, ownColors ? ownColors->get() : globalColors_,
-                    hasMask ? kMaskDepth : UInt16{0}, &index);
-    if (err != noErr)
-        throw err;
-    ++frameCount_;
-    DescribeFrame(index, {place.top, place.left});
-    return index;
+    const GifImageDesc& head = file_.Image;
+    std::optional<Palette> ownColors;
+    if (head.ColorMap != nullptr || globalColors_ == nullptr)
+        ownColors = PaletteOf(head.ColorMap);
+    return canvas_.AddFrame({head.Left, head.Top, head.Width, head.Height},
+                            ownColors ? ownColors->Get() : globalColors_,
+                            control_.TransparentColor != NO_TRANSPARENT_COLOR);
 }
 
-void GifDecoder::DescribeFrame(SInt16 index, Point position)
+void GifDecoder::DescribeFrame(SInt16 index)
 {
     const auto transparent = static_cast<SInt16>(control_.TransparentColor);
     const bool isTransparent = transparent != NO_TRANSPARENT_COLOR;
     hasTransparency_ = hasTransparency_ || isTransparent;
     const int delay = control_.DelayTime < kShortestDelay ? kDelayInstead : control_.DelayTime;
-    SetFrameDisplayPos(&image_, index, position);
     SetFrameTransparency(&image_, index, isTransparent, transparent);
     SetFrameDelay(&image_, index, static_cast<UInt16>(delay));
     SetFrameUserInput(&image_, index, control_.UserInputFlag);
     SetFrameDisposalMethod(&image_, index, DisposalOf(control_.DisposalMode));
 }
 
-void GifDecoder::ReadRows(SInt16 index, const Rect& target)
+void GifDecoder::ReadRows(const IndexedCanvas::Frame& place)
 {
+    const Rect& target = place.target;
     const GifImageDesc& head = file_.Image;
     const auto rowAt = [&](SInt32 n) { return RowInOrder(n, head); };
     const SInt32 height = target.bottom - target.top;
@@ -228,12 +180,12 @@ void GifDecoder::ReadRows(SInt16 index, const Rect& target)
     // Nothing below the canvas is needed, unless the rows come in another order.
     const SInt32 needed = head.Width == 0 ? 0 : head.Interlace ? head.Height : height;
     std::vector<UInt8> indices(static_cast<size_t>(head.Width));
-    IndexedFrame frame(image_, index, static_cast<SInt16>(control_.TransparentColor));
+    IndexedFrame frame(image_, place.index, static_cast<SInt16>(control_.TransparentColor));
     file_.Error = D_GIF_SUCCEEDED;
     SInt32 n = 0;
     for (; n < needed; ++n) {
         // The host cannot be told within the library, so it is before the library has to wait.
-        if (!reader_.HasAtHand(kMostBytesPerPixel * indices.size() + kMostBytesAhead))
+        if (!reader_.Bytes().HasAtHand(kMostBytesPerPixel * indices.size() + kMostBytesAhead))
             newRows_.Tell();
         if (DGifGetLine(&file_, indices.data(), head.Width) == GIF_ERROR)
             break;
@@ -241,7 +193,7 @@ void GifDecoder::ReadRows(SInt16 index, const Rect& target)
             continue;
         const Point start = {static_cast<SInt16>(target.top + rowAt(n)), target.left};
         frame.WriteRow(start, width, indices.data());
-        if (index == 0)
+        if (place.index == 0)
             newRows_.Note(start.v);
     }
     newRows_.Tell();
@@ -267,7 +219,7 @@ void GifDecoder::SkipRows()
 
 void GifDecoder::Finish()
 {
-    if (frameCount_ < 2)
+    if (canvas_.FrameCount() < 2)
         return;
     SetImageLooping(&image_, true, static_cast<SInt16>(plays_));
     // Where a frame is taken away, browsers let the page appear; here that is white, as long as

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "decoders/common/ArrivingBlock.h"
+#include "decoders/common/ByteStream.h"
 
 #include <gif_lib.h>
 
-#include <array>
 #include <exception>
 
 // A GIF file that the library reads from an object's data while they arrive.
@@ -28,21 +27,13 @@ public:
     void Check(int result);
     // The kind of the next record. Many files lack a trailer: data that end here are as good.
     GifRecordType NextRecord();
-    // Whether `size` bytes can be read without asking the host.
-    bool HasAtHand(size_t size) const { return end_ - next_ >= size; }
-    // Whether the library asked for more bytes than there are.
-    bool RanOut() const { return ranOut_; }
+    // The bytes that the library has not asked for.
+    const ByteStream& Bytes() const { return bytes_; }
 
 private:
     static int Read(GifFileType* file, GifByteType* dest, int count);
-    int Copy(GifByteType* dest, size_t count);
 
-    VornPlugin& object_;
+    ByteStream bytes_;
     GifFileType* file_ = nullptr;
-    size_t next_ = 0; // of the bytes in the buffer
-    size_t end_ = 0;
-    bool isLastBlock_ = false;
-    bool ranOut_ = false;
-    std::exception_ptr failure_;
-    std::array<UInt8, ArrivingBlock::kSize> buffer_;
+    std::exception_ptr failure_; // what went wrong in reading
 };

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "src/plugin/MakeNewPlugin.h"
 
-#include "decoders/gif/VornGIFPlugin.h"
+#include "decoders/common/DecoderPlugin.h"
+#include "decoders/gif/GifDecoder.h"
 
 VornPlugin* MakeNewPlugin(CFBundleRef bundle)
 {
-    return new VornGIFPlugin(bundle);
+    return new DecoderPlugin<GifDecoder>(bundle);
 }

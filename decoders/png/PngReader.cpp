@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "decoders/png/PngReader.h"
 
+#include "decoders/common/ArrivingBlock.h"
 #include "decoders/common/CommentText.h"
-#include "decoders/png/WideRows.h"
+#include "decoders/common/Palette.h"
+#include "decoders/common/WideRows.h"
 
 #include <csetjmp>
 #include <iterator>
 #include <string_view>
+#include <vector>
 
 namespace
 {
@@ -59,7 +62,18 @@ void PngReader::SetUp()
                                 reinterpret_cast<png_const_bytep>("tEXt\0zTXt\0iTXt"), 3);
 }
 
-void PngReader::Decode(std::span<UInt8> bytes)
+void PngReader::Decode()
+{
+    std::vector<UInt8> bytes(ArrivingBlock::kSize);
+    while (!isComplete_) {
+        const ArrivingBlock block(image_, bytes.data());
+        DecodeBlock({bytes.data(), block.count});
+        if (block.isLast && !isComplete_)
+            throw OSErr{kDataNotAvailableErr};
+    }
+}
+
+void PngReader::DecodeBlock(std::span<UInt8> bytes)
 {
     while (!bytes.empty() && !isComplete_) {
         leftBehindHeader_ = 0;
@@ -158,13 +172,10 @@ CTabHandle PngReader::Colors()
     int count = 0;
     if (!hasPalette_ || png_get_PLTE(png_, info_, &palette, &count) == 0)
         return StillFrame::NewGrayRamp();
-    const CTabHandle colors = StillFrame::NewColors();
-    for (int i = 0; i < count; ++i) {
-        (*colors)->ctTable[i].rgb = {static_cast<UInt16>(palette[i].red * 0x0101),
-                                     static_cast<UInt16>(palette[i].green * 0x0101),
-                                     static_cast<UInt16>(palette[i].blue * 0x0101)};
-    }
-    return colors;
+    Palette colors;
+    for (int i = 0; i < count; ++i)
+        colors.Set(i, Palette::ColorOf(palette[i].red, palette[i].green, palette[i].blue));
+    return colors.Release();
 }
 
 void PngReader::OnRow(png_structp png, png_bytep samples, png_uint_32 row, int pass)

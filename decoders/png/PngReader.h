@@ -16,15 +16,16 @@
 class PngReader
 {
 public:
+    static constexpr UInt8 kSignatures[][8] = {{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'}};
+
     explicit PngReader(VornPlugin& ownImage);
     ~PngReader();
     PngReader(const PngReader&) = delete;
     PngReader& operator=(const PngReader&) = delete;
 
-    // Takes the file's next bytes. Throws kVornErrRenderFailed for a damaged file and memFullErr
-    // for an image too large; it is not to be called again then, nor once the image is complete.
-    void Decode(std::span<UInt8> bytes);
-    bool IsComplete() const { return isComplete_; }
+    // Decodes the file, once. Throws kDataNotAvailableErr where it ends too early,
+    // kVornErrRenderFailed where it is damaged and memFullErr for an image that is too large.
+    void Decode();
 
 private:
     static void OnHeader(png_structp png, png_infop info);
@@ -34,6 +35,7 @@ private:
     static void OnWarning(png_structp png, png_const_charp text);
 
     void SetUp();
+    void DecodeBlock(std::span<UInt8> bytes);
     bool Process(UInt8* bytes, size_t count);
     void ChooseDepths();
     bool ChooseDepthsWithAlpha();

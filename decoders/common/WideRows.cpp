@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "decoders/png/WideRows.h"
+#include "decoders/common/WideRows.h"
 
 #include "toolbox/CpuVersions.h"
 
@@ -52,4 +52,20 @@ void PutWideMask(UInt8* row, const UInt8* samples, size_t width, UInt32 columns)
     ForColumns(width, columns, [=](size_t column) {
         PutMaskPixel(row + column * kPixelBytes, samples[column * kPixelBytes + 3]);
     });
+}
+
+void WidePixelsFromCmyk(UInt8* row, size_t width, bool isInverted)
+{
+    const UInt32 flip = isInverted ? 0 : 0xFF;
+    for (size_t i = 0; i < width; ++i) {
+        UInt8* const pixel = row + i * kPixelBytes;
+        const UInt32 cyan = pixel[0] ^ flip;
+        const UInt32 magenta = pixel[1] ^ flip;
+        const UInt32 yellow = pixel[2] ^ flip;
+        const UInt32 light = pixel[3] ^ flip;
+        pixel[0] = 0xFF;
+        pixel[1] = static_cast<UInt8>(cyan * light / 255);
+        pixel[2] = static_cast<UInt8>(magenta * light / 255);
+        pixel[3] = static_cast<UInt8>(yellow * light / 255);
+    }
 }

@@ -14,3 +14,6 @@ void PutWidePixels(UInt8* row, const UInt8* samples, size_t width, UInt32 column
 // The same for the mask, from R, G, B, alpha samples: a grey of 255 - alpha, for in a mask black
 // is opaque.
 void PutWideMask(UInt8* row, const UInt8* samples, size_t width, UInt32 columns);
+// Turns a row of C, M, Y, K samples in its place into pixels. `isInverted`, as Adobe's programs
+// write: 255 is no ink.
+void WidePixelsFromCmyk(UInt8* row, size_t width, bool isInverted);

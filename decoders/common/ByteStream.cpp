@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#include "decoders/common/ByteStream.h"
+
+#include <cstring>
+
+size_t ByteStream::Read(UInt8* dest, size_t count)
+{
+    size_t copied = 0;
+    while (copied < count && !ranOut_) {
+        const size_t part = std::min(count - copied, end_ - next_);
+        std::memcpy(dest + copied, buffer_.data() + next_, part);
+        next_ += part;
+        copied += part;
+        if (copied == count)
+            break;
+        ranOut_ = isLastBlock_;
+        if (!isLastBlock_) {
+            const ArrivingBlock block(object_, buffer_.data());
+            next_ = 0;
+            end_ = block.count;
+            isLastBlock_ = block.isLast;
+        }
+    }
+    return copied;
+}
