@@ -17,46 +17,44 @@
 class JpegReader
 {
 public:
+    static constexpr UInt8 kSignatures[][3] = {{0xFF, 0xD8, 0xFF}};
+
     explicit JpegReader(VornPlugin& ownImage);
     ~JpegReader();
     JpegReader(const JpegReader&) = delete;
     JpegReader& operator=(const JpegReader&) = delete;
 
-    // Reads what has arrived and decodes it. Throws kDataNotAvailableErr where the file ends too
-    // early, kVornErrRenderFailed for a damaged one and memFullErr for an image too large; it is
-    // not to be called again then, nor once the image is complete.
-    void DecodeNextBlock();
-    bool IsComplete() const { return isComplete_; }
+    // Decodes the file, once. Throws kDataNotAvailableErr where it ends too early,
+    // kVornErrRenderFailed where it is damaged and memFullErr for an image that is too large.
+    void Decode();
 
 private:
     struct ErrorManager : jpeg_error_mgr {
         std::jmp_buf giveUp;
         bool isDamaged; // the library went on, but pixels are wrong
     };
-    enum class Stage { Header, Start, Rows };
 
     [[noreturn]] static void OnError(j_common_ptr decoder);
     static void OnMessage(j_common_ptr decoder, int level);
+    // Runs a step in which the library may give up; tells of new rows, and throws if it did.
     template <class Step>
-    bool Guarded(Step step);
+    void Guarded(Step step);
     OSErr Failure() const;
     void CheckOutcome() const;
+    void DecodeNextBlock();
     void ReadHeader();
     void BeginFrame();
     UInt64 CoefficientBytes() const;
     void SetComment();
     // These are called under a guard. True: there is no more to do, with the bytes at hand for
     // ReadRows, at all for the others.
-    bool Continue();
-    JDIMENSION EndOfRows() const;
     bool ReadRows();
-    bool Finish();
-    bool DecodeOneScan();
     bool DecodeScans();
+    bool Finish();
     void ConsumeScans();
-    void ShowPass();
     bool IsPassDue() const;
-    bool ShowLastPass();
+    void BeginPass(int scan);
+    void EndPass() { isInPass_ = !jpeg_finish_output(&decoder_); }
 
     VornPlugin& image_;
     StillFrame frame_;
@@ -64,7 +62,7 @@ private:
     jpeg_decompress_struct decoder_{};
     ErrorManager errors_{};
     JpegSource source_;
-    Stage stage_ = Stage::Header;
+    bool hasHeader_ = false;
     bool isInPass_ = false;
     int shownScan_ = 0; // what the last pass shows, 0 before the first
     UInt32 now_ = 0;    // in ticks

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "decoders/jpeg/JpegSource.h"
 
-#include "decoders/common/ArrivingBlock.h"
-
 #include <algorithm>
 
 namespace
@@ -25,28 +23,15 @@ JpegSource::JpegSource(jpeg_decompress_struct& decoder) : decoder_(decoder)
 
 void JpegSource::ReadBlock(VornPlugin& object)
 {
-    DropUsedBytes();
-    const size_t before = bytes_.size();
-    bytes_.resize(before + ArrivingBlock::kSize);
-    const ArrivingBlock block(object, bytes_.data() + before);
-    bytes_.resize(before + block.count);
-    hasAll_ = block.isLast;
-    const size_t skipped = std::min(toSkip_, bytes_.size());
-    toSkip_ -= skipped;
-    manager_.next_input_byte = bytes_.data() + skipped;
-    manager_.bytes_in_buffer = bytes_.size() - skipped;
-}
-
-void JpegSource::DropUsedBytes()
-{
-    const auto used = static_cast<ptrdiff_t>(bytes_.size() - manager_.bytes_in_buffer);
-    bytes_.erase(bytes_.begin(), bytes_.begin() + used);
+    const std::span bytes = backlog_.ReadBlock(object, manager_.bytes_in_buffer);
+    manager_.next_input_byte = bytes.data();
+    manager_.bytes_in_buffer = bytes.size();
 }
 
 boolean JpegSource::Fill(j_decompress_ptr decoder)
 {
     auto& source = *static_cast<JpegSource*>(decoder->client_data);
-    if (!source.hasAll_)
+    if (!source.HasAll())
         return FALSE;
     source.GiveEndMark();
     return TRUE;
@@ -71,5 +56,5 @@ void JpegSource::Skip(j_decompress_ptr decoder, long count)
     const size_t here = std::min(static_cast<size_t>(count), source.manager_.bytes_in_buffer);
     source.manager_.next_input_byte += here;
     source.manager_.bytes_in_buffer -= here;
-    source.toSkip_ += static_cast<size_t>(count) - here;
+    source.backlog_.SkipAhead(static_cast<size_t>(count) - here);
 }

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "src/plugin/VornPluginABI.h"
+#include "decoders/common/ByteBacklog.h"
 
-#include <cstddef>
 #include <cstdio>
 #include <jpeglib.h>
-#include <vector>
 
 // The bytes that libjpeg-turbo decodes from. Where it asks for more than have arrived it is told to
 // give up for now, and goes on when there are more; where there will be no more it gets an end mark
@@ -22,7 +20,7 @@ public:
     // Adds the object's next bytes. Outside the library's frames: it waits.
     void ReadBlock(VornPlugin& object);
     // All bytes of the object are there.
-    bool HasAll() const { return hasAll_; }
+    bool HasAll() const { return backlog_.HasAll(); }
     // The library has asked for more than all of them, and got an end mark.
     bool WasTooShort() const { return wasTooShort_; }
     // If it was in its first pass over the image then: one past the last row that may have come of
@@ -32,14 +30,11 @@ public:
 private:
     static boolean Fill(j_decompress_ptr decoder);
     static void Skip(j_decompress_ptr decoder, long count);
-    void DropUsedBytes();
     void GiveEndMark();
 
     jpeg_decompress_struct& decoder_;
     jpeg_source_mgr manager_{};
-    std::vector<UInt8> bytes_; // what the library has not used
-    size_t toSkip_ = 0;        // of the bytes that come next
+    ByteBacklog backlog_;
     JDIMENSION rowsBeforeEnd_ = JPEG_MAX_DIMENSION;
-    bool hasAll_ = false;
     bool wasTooShort_ = false;
 };

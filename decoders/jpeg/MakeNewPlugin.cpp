@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "src/plugin/MakeNewPlugin.h"
 
-#include "decoders/jpeg/VornJPEGPlugin.h"
+#include "decoders/common/DecoderPlugin.h"
+#include "decoders/jpeg/JpegReader.h"
 
 VornPlugin* MakeNewPlugin(CFBundleRef bundle)
 {
-    return new VornJPEGPlugin(bundle);
+    return new DecoderPlugin<JpegReader>(bundle);
 }
