@@ -70,6 +70,15 @@ TEST_F(GifBundle, TakesDataThatBeginAsAGif)
     EXPECT_FALSE(CanHandle("\x89PNG\r\n\x1A\n", "", ""));
 }
 
+TEST_F(GifBundle, TakesABeginningHoweverLittleFollowsIt)
+{
+    const std::string bytes = "GIF89a\1\2\3\4\5";
+    for (size_t size = 6; size <= bytes.size(); ++size)
+        EXPECT_TRUE(CanHandle(bytes.substr(0, size), "", "")) << size << " bytes";
+    for (size_t size = 0; size < 6; ++size)
+        EXPECT_FALSE(CanHandle(bytes.substr(0, size), "", "")) << size << " bytes";
+}
+
 TEST_F(GifBundle, DecodesForAHostThatKnowsOnlyItsFunctions)
 {
     const std::string file =
