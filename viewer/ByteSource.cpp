@@ -2,6 +2,8 @@
 #include "viewer/ByteSource.h"
 
 #include "viewer/FileSource.h"
+#include "viewer/HttpSource.h"
+#include "viewer/HttpUrl.h"
 #include "viewer/PipeSource.h"
 
 #include <cerrno>
@@ -60,6 +62,9 @@ SourceFailure TooLargeFailure()
 
 std::unique_ptr<ByteSource> OpenSource(const std::string& location)
 {
+    if (IsHttpUrl(location)) {
+        return std::make_unique<HttpSource>(location);
+    }
     FileDescriptor file = Open(location);
     struct stat status {
     };
@@ -67,7 +72,7 @@ std::unique_ptr<ByteSource> OpenSource(const std::string& location)
         throw FailureFromErrno(errno);
     }
     if (S_ISDIR(status.st_mode)) {
-        throw FailureFromErrno(EISDIR);
+        throw SourceFailure{ioErr, "there is no file in this folder that can be shown"};
     }
     if (!S_ISREG(status.st_mode)) {
         return std::make_unique<PipeSource>(std::move(file));

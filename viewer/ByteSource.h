@@ -38,6 +38,8 @@ public:
     virtual bool IsComplete() const = 0;
     // The expected length, -1 if there is no idea.
     virtual SInt32 EstimatedBytes() const = 0;
+    // The MIME type that came along with the bytes, empty if none did so far.
+    virtual std::string DeclaredType() const { return ""; }
     // Copies `count` bytes that were received. Answers how many it copied: fewer only after a
     // failure, which is then the source's.
     virtual SInt32 Read(void* buffer, SInt32 offset, SInt32 count) = 0;
@@ -55,8 +57,8 @@ private:
     SourceFailure failure_;
 };
 
-// A regular file, a FIFO or another stream by its path; "-" is standard input. Throws
-// SourceFailure.
+// A regular file, a FIFO or another stream by its path, or what is at an http or https URL; "-" is
+// standard input. Throws SourceFailure.
 std::unique_ptr<ByteSource> OpenSource(const std::string& location);
 
 } // namespace viewer

@@ -25,6 +25,14 @@ const char* MeaningOf(OSErr error)
         return "there is no movie in it";
     case invalidMovie:
         return "the movie in it is damaged";
+    case kVornErrRenderFailed:
+        return "it is damaged: not all of it could be shown";
+    case kDataNotAvailableErr:
+        return "its end is missing: not all of it could be shown";
+    case kVornErrImageFailed:
+        return "it is damaged: there is no picture to show";
+    case kVornErrImageNoData:
+        return "it ends before there is a picture to show";
     case fnfErr:
         return "there is no such file";
     case permErr:

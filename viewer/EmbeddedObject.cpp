@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/EmbeddedObject.h"
 
+#include "src/plugin/VornPluginABI.h"
 #include "toolbox/Errors.h"
 #include "viewer/BundleCall.h"
 #include "viewer/Console.h"
@@ -19,6 +20,7 @@ namespace
 constexpr Size kDecodingStackSize = 512 * 1024;
 constexpr SInt32 kBytesForTypeCheck = 4096;
 constexpr AreaSize kPlaceholder = {160, 120};
+constexpr UInt32 kShrinkOnly = kVornDisplayShrinkOnly;
 constexpr double kMicrosecondsPerSecond = 1e6;
 
 } // namespace
@@ -36,8 +38,9 @@ void EmbeddedObject::LearnType(const PluginFolder& plugins)
     std::array<UInt8, kBytesForTypeCheck> start{};
     const SInt32 length = bytes_->Peek(start.data(), kBytesForTypeCheck);
     const std::string guess = GuessMimeType(start.data(), static_cast<size_t>(length));
-    if (!guess.empty()) {
-        description_.type = plugins.TypeOf(description_.fileName, guess);
+    const std::string type = guess.empty() ? bytes_->DeclaredType() : guess;
+    if (!type.empty()) {
+        description_.type = plugins.TypeOf(description_.fileName, type);
     }
 }
 
@@ -83,8 +86,8 @@ void EmbeddedObject::Decode()
 
 void EmbeddedObject::GiveUp(OSErr error, const std::string& why)
 {
-    GiveUpSilently(error);
-    Console::Tell(Name(), why + " (error " + std::to_string(error) + ")");
+    GiveUpSilently(error, why);
+    Console::Tell(Name(), Problem());
 }
 
 void EmbeddedObject::GiveUpUnknownType()
@@ -94,16 +97,17 @@ void EmbeddedObject::GiveUpUnknownType()
         GiveUp(paramErr, "it is empty");
         return;
     }
-    GiveUpSilently(paramErr);
+    GiveUpSilently(paramErr, "nothing here can show type " + (type.empty() ? "unknown" : type));
     Console::Tell("", "nothing here can show " + Name() + " (type " +
                           (type.empty() ? "unknown" : type) + ", error " +
                           std::to_string(startError_) + ")");
 }
 
 // Whoever sends the bytes need not go on.
-void EmbeddedObject::GiveUpSilently(OSErr error)
+void EmbeddedObject::GiveUpSilently(OSErr error, const std::string& why)
 {
     startError_ = error;
+    startProblem_ = why;
     state_ = State::kGivenUp;
     if (bytes_ != nullptr) {
         bytes_->StopReceiving();
@@ -128,6 +132,7 @@ void EmbeddedObject::WaitAgain()
     bytes_->StartAnew();
     state_ = State::kWaiting;
     plugin_.ForgetBundle();
+    renderingError_ = noErr;
     decodeError_ = noErr;
     idleError_ = noErr;
     roundsSinceDecoded_ = 0;
@@ -137,6 +142,9 @@ void EmbeddedObject::WaitAgain()
     wasDisplayed_ = false;
     firstPicture_.reset();
     newRows_.Forget();
+    hasPixels_ = false;
+    renderingDone_ = false;
+    framesDrawn_ = 0;
 }
 
 void EmbeddedObject::Observe()
@@ -144,10 +152,15 @@ void EmbeddedObject::Observe()
     if (state_ == State::kDecoded) {
         ++roundsSinceDecoded_;
     }
-    if (!firstPicture_ && plugin_.IsMade() && Statistics().picturesShown > 0) {
-        const double now = static_cast<double>(ToolboxMicroseconds()) / kMicrosecondsPerSecond;
-        firstPicture_ = FirstPicture{now, bytes_->HandedOut()};
+    if (!firstPicture_ && plugin_.IsMade() && !IsImage() && Statistics().picturesShown > 0) {
+        firstPicture_ = Now();
     }
+}
+
+FirstPicture EmbeddedObject::Now() const
+{
+    const double now = static_cast<double>(ToolboxMicroseconds()) / kMicrosecondsPerSecond;
+    return {now, bytes_->HandedOut()};
 }
 
 // The first round that is observed may have begun before decoding ended in it.
@@ -167,6 +180,9 @@ void EmbeddedObject::Display()
 {
     needsDisplay_ = false;
     newRows_.Forget();
+    plugin_.SetDisplayFlags(enlarged_
+                                ? (description_.displayFlags & ~kShrinkOnly) | kVornDisplayScale
+                                : description_.displayFlags);
     plugin_.Display(area_);
     wasDisplayed_ = plugin_.IsMade();
 }
@@ -182,14 +198,61 @@ bool EmbeddedObject::Click(const EventRecord& event)
     return plugin_.Click(area_, event);
 }
 
+// Before there are pixels an image may draw, but there is nothing to be seen.
+void EmbeddedObject::NoteDrawing(Drawing drawing)
+{
+    if (!IsImage() || !hasPixels_) {
+        return;
+    }
+    rhythm_.Changed(ToolboxMicroseconds());
+    framesDrawn_ += drawing == Drawing::kByItself ? 1 : 0;
+    if (!firstPicture_) {
+        firstPicture_ = Now();
+    }
+}
+
+bool EmbeddedObject::IsIdleDue(SInt64 now, bool isInView) const
+{
+    if (!IsImage() || !hasDimensions_) {
+        return true;
+    }
+    return isInView && !needsDisplay_ && (!MayMove() || rhythm_.IsDue(now));
+}
+
+bool EmbeddedObject::MayMove() const
+{
+    return renderingDone_ && wasDisplayed_ && !needsDisplay_;
+}
+
+void EmbeddedObject::NoteIdle(SInt64 now, IdleRhythm::Kind kind)
+{
+    if (IsImage() && MayMove()) {
+        rhythm_.Idled(now, kind);
+    }
+}
+
+std::optional<SInt64> EmbeddedObject::NextIdle() const
+{
+    return IsImage() && MayMove() ? std::optional<SInt64>(rhythm_.Next()) : std::nullopt;
+}
+
+SInt32 EmbeddedObject::ImagePicturesShown() const
+{
+    return std::max(framesDrawn_, firstPicture_ ? 1 : 0);
+}
+
 // A controller bar is never scaled: on a page that is too narrow its end is cut off.
-AreaSize EmbeddedObject::WantedArea(SInt16 pageWidth) const
+AreaSize EmbeddedObject::WantedArea(SInt16 pageWidth, double zoom) const
 {
     if (!hasDimensions_) {
         return kPlaceholder;
     }
-    return IsSoundOnly() ? natural_
-                         : AreaForPicture(natural_, description_.displayFlags, pageWidth);
+    if (IsSoundOnly()) {
+        return natural_;
+    }
+    const bool mayScale = (description_.displayFlags & kVornDisplayScale) != 0;
+    return AreaForPicture(mayScale ? Zoomed(natural_, zoom) : natural_, description_.displayFlags,
+                          pageWidth);
 }
 
 bool EmbeddedObject::IsSoundOnly() const
@@ -226,10 +289,14 @@ void EmbeddedObject::TakeDisplayRect(const Rect& rect)
 void EmbeddedObject::TakeDecodedRows(SInt16 first, SInt16 end)
 {
     newRows_.Add(first, end);
+    hasPixels_ = true;
 }
 
-void EmbeddedObject::TakeRenderingDone()
+void EmbeddedObject::TakeRenderingDone(OSErr error)
 {
+    renderingError_ = error;
+    renderingDone_ = true;
+    hasPixels_ = hasPixels_ || error == noErr;
     needsDisplay_ = true;
 }
 
@@ -242,7 +309,7 @@ MovieStatistics EmbeddedObject::Statistics()
 
 OSErr EmbeddedObject::Error() const
 {
-    for (const OSErr error : {startError_, decodeError_, idleError_}) {
+    for (const OSErr error : {startError_, renderingError_, decodeError_, idleError_}) {
         if (error != noErr) {
             return error;
         }
@@ -250,7 +317,19 @@ OSErr EmbeddedObject::Error() const
     if (bytes_ != nullptr && bytes_->Failure().error != noErr) {
         return bytes_->Failure().error;
     }
-    return IsSettled() && !hasDimensions_ ? OSErr{noMovieFound} : OSErr{noErr};
+    return IsSettled() && !hasDimensions_ ? NothingInIt() : OSErr{noErr};
+}
+
+OSErr EmbeddedObject::NothingInIt() const
+{
+    return IsImage() ? OSErr{kVornErrImageNoData} : OSErr{noMovieFound};
+}
+
+// A damaged image may have something to show; one that lies below the page cannot draw.
+bool EmbeddedObject::IsShown() const
+{
+    const bool isFine = hasDimensions_ && Error() == noErr;
+    return IsImage() ? firstPicture_.has_value() || (isFine && IsSettled()) : isFine;
 }
 
 ObjectReport EmbeddedObject::Report()
@@ -264,31 +343,44 @@ ObjectReport EmbeddedObject::Report()
     report.complete = bytes_ != nullptr && bytes_->IsComplete();
     report.error = Error();
     report.rect = hasDimensions_ ? area_ : Rect{};
+    report.wholeBytes = bytes_ == nullptr ? -1 : bytes_->EstimatedBytes();
+    report.width = natural_.width;
+    report.height = natural_.height;
     report.comment = plugin_.Comment();
     report.firstPicture = firstPicture_;
-    report.picturesShown = statistics.picturesShown;
+    report.picturesShown = IsImage() ? ImagePicturesShown() : statistics.picturesShown;
     report.picturesDropped = statistics.picturesDropped;
     report.soundSamples = statistics.soundFrames;
     report.durationSeconds = statistics.durationSeconds;
-    report.shown = hasDimensions_ && report.error == noErr;
+    report.shown = IsShown();
     return report;
+}
+
+std::string EmbeddedObject::Problem() const
+{
+    const OSErr error = Error();
+    const std::string number = " (error " + std::to_string(error) + ")";
+    if (error == noErr) {
+        return "";
+    }
+    if (state_ == State::kGivenUp) {
+        return startProblem_ + number;
+    }
+    if (error == NothingInIt() && bytes_->IsEmpty()) {
+        return "it is empty" + number;
+    }
+    return bytes_->Failure().error == error ? bytes_->Failure().text + number
+                                            : DescribeError(error);
 }
 
 void EmbeddedObject::TellOutcome()
 {
-    const OSErr error = Error();
-    if (state_ == State::kGivenUp || (error == noErr && hasDimensions_)) {
+    if (state_ == State::kGivenUp || (Error() == noErr && IsShown())) {
         return;
     }
-    if (error == noErr) {
-        Console::Tell(Name(), "the end came before there was anything to show");
-    } else if (error == noMovieFound && bytes_->IsEmpty()) {
-        Console::Tell(Name(), "it is empty (error " + std::to_string(error) + ")");
-    } else if (bytes_->Failure().error == error) {
-        Console::Tell(Name(), bytes_->Failure().text + " (error " + std::to_string(error) + ")");
-    } else {
-        Console::Tell(Name(), DescribeError(error));
-    }
+    const std::string problem = Problem();
+    Console::Tell(Name(),
+                  problem.empty() ? "the end came before there was anything to show" : problem);
 }
 
 } // namespace viewer

@@ -5,6 +5,7 @@
 
 #include "toolbox/quicktime/Movies.h"
 #include "toolbox/threads/Threads.h"
+#include "viewer/IdleRhythm.h"
 #include "viewer/Layout.h"
 #include "viewer/NewRows.h"
 #include "viewer/ObjectBytes.h"
@@ -30,8 +31,8 @@ public:
 
     enum class State { kWaiting, kDecoding, kDecoded, kGivenUp };
     State CurrentState() const { return state_; }
-    // Takes the type that its first bytes tell of, unless the user gave one or they tell of none.
-    // To be called when they are there; asks them once.
+    // Takes the type that its first bytes tell of, else the one that came along with them, unless
+    // the user gave one. To be called when they are there; asks them once.
     void LearnType(const PluginFolder& plugins);
     // Asks a bundle whether it can show the object, by its first bytes.
     bool IsAcceptedBy(const PluginBundle& bundle);
@@ -61,11 +62,31 @@ public:
     void Display();
     void Idle();
     bool Click(const EventRecord& event);
+    // To be called when the port has changed in one of these.
+    enum class Drawing { kAsDisplayed, kByItself };
+    void NoteDrawing(Drawing drawing);
+    // Dragging, the page's port being current.
+    PluginObject& Plugin() { return plugin_; }
+
+    // It is shown by a bundle that plays no movies.
+    bool IsImage() const { return Bundle() != nullptr && !Bundle()->PlaysMovies(); }
+    // Whether it is to be given time. An image only moves where it can be seen, and not before it
+    // was displayed as a whole: that would show its second frame at once.
+    bool IsIdleDue(SInt64 now, bool isInView) const;
+    // It has been given time.
+    void NoteIdle(SInt64 now, IdleRhythm::Kind kind);
+    // When an image in view is to be given time next; none while others decide that.
+    std::optional<SInt64> NextIdle() const;
 
     const Rect& Area() const { return area_; }
     void SetArea(const Rect& area) { area_ = area; }
     // The size of the area it wants on a page of that width, without dimensions a placeholder's.
-    AreaSize WantedArea(SInt16 pageWidth) const;
+    AreaSize WantedArea(SInt16 pageWidth, double zoom = 1) const;
+    // Whether its picture may become larger than it is in a larger area, whatever its flags say.
+    void SetEnlarged(bool enlarged) { enlarged_ = enlarged; }
+    // The size of its own that it told.
+    AreaSize NaturalSize() const { return natural_; }
+    bool IsSoundOnly() const;
     // Where in its area it draws.
     Rect DrawnRect() const;
     bool HasDimensions() const { return hasDimensions_; }
@@ -78,12 +99,13 @@ public:
     bool TakeSizeChange();
     // The new rows since the last call as a part of DrawnRect, if there are any.
     std::optional<Rect> TakeNewRows();
+    bool HasNewRows() const { return hasDimensions_ && !newRows_.IsEmpty(); }
 
     // What the plug-in tells and asks, on any of its threads -------------------------------
 
     void TakeDisplayRect(const Rect& rect);
     void TakeDecodedRows(SInt16 first, SInt16 end);
-    void TakeRenderingDone();
+    void TakeRenderingDone(OSErr error);
     ObjectBytes& Bytes() { return *bytes_; }
 
     // For the page -------------------------------------------------------------------------
@@ -91,19 +113,28 @@ public:
     const std::string& Name() const { return description_.name; }
     const PluginBundle* Bundle() const { return plugin_.Bundle(); }
     bool HasBytes() const { return bytes_ != nullptr; }
+    // What an image has drawn by itself, but 1 for one that was only displayed.
+    SInt32 ImagePicturesShown() const;
     // Of its movies.
     MovieStatistics Statistics();
     bool IdleFailed() const { return idleError_ != noErr; }
     ObjectReport Report();
+    const std::string& FileName() const { return description_.fileName; }
+    const std::string& MimeType() const { return description_.type.mimeType; }
+    // Why it cannot be shown as a whole, with the error's number; empty while nothing is wrong.
+    std::string Problem() const;
     // Tells the user why the object was not shown, if it was not and GiveUp did not.
     void TellOutcome();
 
 private:
     static void* DecodeOnThread(void* object);
     void Decode();
-    void GiveUpSilently(OSErr error);
+    void GiveUpSilently(OSErr error, const std::string& why);
     OSErr Error() const;
-    bool IsSoundOnly() const;
+    OSErr NothingInIt() const;
+    bool IsShown() const;
+    bool MayMove() const;
+    FirstPicture Now() const;
 
     ObjectDescription description_;
     std::unique_ptr<ObjectBytes> bytes_;
@@ -112,6 +143,8 @@ private:
     int timesStarted_ = 0;
 
     OSErr startError_ = noErr;
+    std::string startProblem_;
+    OSErr renderingError_ = noErr; // as it was told
     OSErr decodeError_ = noErr;
     OSErr idleError_ = noErr;
     int roundsSinceDecoded_ = 0;
@@ -122,7 +155,12 @@ private:
     bool sizeChanged_ = false;
     bool needsDisplay_ = false;
     bool wasDisplayed_ = false;
+    bool enlarged_ = false;
     NewRows newRows_;
+    bool hasPixels_ = false; // of an image: rows were told of, or all is there
+    bool renderingDone_ = false;
+    IdleRhythm rhythm_;
+    SInt32 framesDrawn_ = 0;
     std::optional<FirstPicture> firstPicture_;
 };
 

@@ -2,10 +2,11 @@
 #include "viewer/HeadlessRun.h"
 
 #include "viewer/Console.h"
+#include "viewer/StopRequest.h"
+#include "viewer/ObjectDrag.h"
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 
 namespace viewer
 {
@@ -22,8 +23,6 @@ constexpr int kQuietRoundsAtRest = 2;
 // How long a wait inside a bundle may take.
 constexpr SInt64 kShortWait = 5000;
 
-volatile std::sig_atomic_t gStopWasAsked = 0;
-
 SInt64 RealMicroseconds()
 {
     return std::chrono::duration_cast<std::chrono::microseconds>(
@@ -36,11 +35,6 @@ SInt64 RealMicroseconds()
 HeadlessRun::HeadlessRun(const Options& options, const PluginFolder& plugins)
     : options_(options), work_(options, plugins, *this), snapshots_(options.snapshots)
 {
-}
-
-void HeadlessRun::AskToStop()
-{
-    gStopWasAsked = 1;
 }
 
 PageReport HeadlessRun::Run()
@@ -60,6 +54,7 @@ PageReport HeadlessRun::Run()
         MoveClock();
     }
     snapshots_.TakeLast(port);
+    dragFailed_ = !options_.drag.path.empty() && !DragOut(work_.ThePage(), options_.drag);
     PageReport report = work_.MakeReport();
     TellOutcome();
     work_.EndObjects();
@@ -84,7 +79,7 @@ void HeadlessRun::FinishInstant()
 
 bool HeadlessRun::IsOver()
 {
-    if (gStopWasAsked != 0 || (options_.until && clock_.Now() >= *options_.until)) {
+    if (StopWasAsked() || (options_.until && clock_.Now() >= *options_.until)) {
         return true;
     }
     return !options_.until && !work_.User().NextTime() && !snapshots_.NextTime() &&
@@ -104,7 +99,7 @@ void HeadlessRun::MoveClock()
 SInt64 HeadlessRun::NextInstant()
 {
     const SInt64 now = clock_.Now();
-    const SInt64 tick = now + kTickMicroseconds;
+    const SInt64 tick = NextTickAfter(now);
     SInt64 next = options_.until.value_or(INT64_MAX);
     const auto consider = [&](std::optional<SInt64> time) {
         next = std::min(next, time.value_or(INT64_MAX));
@@ -112,22 +107,14 @@ SInt64 HeadlessRun::NextInstant()
     if (const SInt64 deadline = NextToolboxDeadline(); deadline >= 0) {
         consider(deadline > now ? deadline : tick);
     }
-    if (NeedsTicks()) {
-        consider(tick);
+    if (!work_.IsLoaded()) {
+        consider(tick); // bytes arrive with every tick
     }
+    consider(work_.ThePage().NextTime());
     consider(work_.User().NextTime());
     consider(snapshots_.NextTime());
     consider(work_.Starter().NextDeadline());
     return next == INT64_MAX ? tick : std::max(next, now + 1);
-}
-
-// Bytes arrive with every tick, and an image may be animated.
-bool HeadlessRun::NeedsTicks() const
-{
-    const auto& objects = work_.ThePage().Objects();
-    return !work_.IsLoaded() || std::any_of(objects.begin(), objects.end(), [](const auto& each) {
-        return each->HasDimensions() && !each->Bundle()->PlaysMovies();
-    });
 }
 
 // Lets as much time pass on the page's clock as it takes until bytes come, or less.
@@ -162,7 +149,7 @@ void HeadlessRun::TellOutcome()
 {
     work_.TellOutcome();
     const Page& page = work_.ThePage();
-    if (const Page::Below below = page.LookBelow(); below.objects > 0) {
+    if (const Page::Below below = page.LookBelow(); below.objects > 0 && !options_.info) {
         Console::Tell("", std::to_string(below.objects) +
                               (below.objects == 1 ? " object lies" : " objects lie") +
                               " below the page; --size " + std::to_string(page.Width()) + "x" +

@@ -21,12 +21,10 @@ public:
     // Runs to the end, frees the objects, and tells what happened. Messages and snapshots have
     // been written by then.
     PageReport Run();
-    bool SnapshotFailed() const { return snapshots_.Failed(); }
+    // A snapshot or a drag failed; the user has been told.
+    bool OutputFailed() const { return snapshots_.Failed() || dragFailed_; }
 
     void LetTimePass() override;
-
-    // May be called from a signal handler: the page ends at the next instant.
-    static void AskToStop();
 
 private:
     void FinishInstant();
@@ -36,7 +34,6 @@ private:
     void MoveClock();
     SInt64 NextInstant();
     void WaitForStreams(SInt64 until);
-    bool NeedsTicks() const;
 
     void ShowProgress();
     void TellOutcome();
@@ -45,6 +42,7 @@ private:
     PageClock clock_;
     PageWork work_;
     Snapshots snapshots_;
+    bool dragFailed_ = false;
 };
 
 } // namespace viewer

@@ -27,10 +27,10 @@ OSErr GotRect(VornPlugin* plugin, const Rect* displayRect)
     return noErr;
 }
 
-OSErr RenderingDone(VornPlugin* plugin, OSErr /*finalError: Decode returns it too*/)
+OSErr RenderingDone(VornPlugin* plugin, OSErr finalError)
 {
     if (EmbeddedObject* object = Find(plugin)) {
-        object->TakeRenderingDone();
+        object->TakeRenderingDone(finalError);
     }
     return noErr;
 }

@@ -4,6 +4,7 @@
 #include "src/plugin/VornPluginABI.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace viewer
 {
@@ -17,21 +18,23 @@ SInt16 ToCoordinate(SInt32 value)
 
 } // namespace
 
-std::vector<Rect> LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth)
+std::vector<Rect> LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth,
+                             const PageStyle& style)
 {
     std::vector<Rect> rects;
-    SInt32 left = 0;
-    SInt32 top = 0;
+    SInt32 left = style.margin;
+    SInt32 top = style.margin;
     SInt32 rowHeight = 0;
     for (const AreaSize& area : areas) {
-        if (left > 0 && left + area.width > pageWidth) {
-            left = 0;
-            top = std::min<SInt32>(top + rowHeight + kObjectGap, INT16_MAX);
+        const SInt32 width = std::max(area.width, style.leastWidth);
+        if (left > style.margin && left + width > pageWidth - style.margin) {
+            left = style.margin;
+            top = std::min<SInt32>(top + rowHeight + style.captionHeight + style.gap, INT16_MAX);
             rowHeight = 0;
         }
         rects.push_back({ToCoordinate(top), ToCoordinate(left), ToCoordinate(top + area.height),
                          ToCoordinate(left + area.width)});
-        left += area.width + kObjectGap;
+        left += width + style.gap;
         rowHeight = std::max<SInt32>(rowHeight, area.height);
     }
     return rects;
@@ -46,6 +49,14 @@ AreaSize AreaForPicture(AreaSize natural, UInt32 displayFlags, SInt16 pageWidth)
         return {pageWidth, natural.height};
     }
     return {pageWidth, ToCoordinate(natural.height * pageWidth / natural.width)};
+}
+
+AreaSize Zoomed(AreaSize natural, double zoom)
+{
+    const auto zoomed = [zoom](SInt16 length) {
+        return static_cast<SInt16>(std::clamp(std::round(length * zoom), 1.0, 32767.0));
+    };
+    return {zoomed(natural.width), zoomed(natural.height)};
 }
 
 } // namespace viewer

@@ -24,13 +24,25 @@ inline constexpr SInt16 kControllerBarHeight = 16;
 inline constexpr SInt16 kControllerSpareRows = 1;
 inline constexpr SInt16 kControllerRows = kControllerBarHeight + kControllerSpareRows;
 
+// What a page leaves free around its objects, and its colour.
+struct PageStyle {
+    SInt16 margin = 0; // at the page's edges
+    SInt16 gap = kObjectGap;
+    SInt16 captionHeight = 0; // below each object
+    SInt16 leastWidth = 0;    // of an object with its caption
+    UInt8 background = 0xFF;  // a grey
+};
+
 // Puts areas in rows from left to right, each row as high as its highest area, starting a new row
 // where the page's width is used up. What would lie beyond the last coordinate is cut off there.
-std::vector<Rect> LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth);
+std::vector<Rect> LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth,
+                             const PageStyle& style = {});
 
 // The area that a picture of that size gets: its own size, or less if it is wider than the page
 // and its display flags let it shrink (kVornDisplayScale), then in proportion if they say so
 // (kVornDisplayKeepAspect).
 AreaSize AreaForPicture(AreaSize natural, UInt32 displayFlags, SInt16 pageWidth);
+// The size that it has on a page that is shown enlarged or reduced.
+AreaSize Zoomed(AreaSize natural, double zoom);
 
 } // namespace viewer

@@ -135,6 +135,24 @@ UserEvent ReadClick(const std::string& option, const std::string& text)
     return event;
 }
 
+void ReadDrag(const std::string& option, const std::string& text, DragRequest& drag)
+{
+    const size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    drag.object.reset();
+    drag.path = text;
+    if (digits == 0 || digits == text.size() || text[digits] != ':') {
+        return;
+    }
+    size_t number = 0;
+    drag.path = text.substr(digits + 1);
+    if (!ReadAll(std::string_view(text).substr(0, digits), number) || number == 0 ||
+        drag.path.empty()) {
+        Refuse(option, text,
+               "a file, or an object's number from 1 on with a file, such as 2:a.pict");
+    }
+    drag.object = number;
+}
+
 UserEvent ReadKey(const std::string& option, const std::string& text)
 {
     UserEvent event;

@@ -23,6 +23,8 @@ SInt64 ReadSeconds(const std::string& option, const std::string& text);
 void ReadSize(const std::string& option, const std::string& text, SInt16& width, SInt16& height);
 // X,Y@SECONDS
 UserEvent ReadClick(const std::string& option, const std::string& text);
+// PATH, or N:PATH; a path that begins like the latter is to be written ./N:PATH.
+void ReadDrag(const std::string& option, const std::string& text, DragRequest& drag);
 // NAME@SECONDS
 UserEvent ReadKey(const std::string& option, const std::string& text);
 

@@ -33,8 +33,12 @@ enum OptionCode : int {
     kClick,
     kKey,
     kReport,
+    kDrag,
+    kDragImage,
+    kPictures,
     kPlugins,
-    kListPlugins
+    kListPlugins,
+    kInfo
 };
 
 const option kOptions[] = {
@@ -53,8 +57,12 @@ const option kOptions[] = {
     {"click", required_argument, nullptr, kClick},
     {"key", required_argument, nullptr, kKey},
     {"report", required_argument, nullptr, kReport},
+    {"drag", required_argument, nullptr, kDrag},
+    {"drag-image", required_argument, nullptr, kDragImage},
+    {"pictures", required_argument, nullptr, kPictures},
     {"plugins", required_argument, nullptr, kPlugins},
     {"list-plugins", no_argument, nullptr, kListPlugins},
+    {"info", no_argument, nullptr, kInfo},
     {nullptr, 0, nullptr, 0},
 };
 
@@ -113,6 +121,9 @@ void Parser::TakeOption(int code, const std::string& value)
         break;
     case kListPlugins:
         options_.listPlugins = true;
+        break;
+    case kInfo:
+        options_.info = true;
         break;
     case kHeadless:
         options_.headless = true;
@@ -175,6 +186,15 @@ void Parser::TakeOutputOption(int code, const std::string& value)
     case kReport:
         options_.reportPath = value;
         break;
+    case kDrag:
+        ReadDrag("--drag", value, options_.drag);
+        break;
+    case kDragImage:
+        options_.drag.imagePath = value;
+        break;
+    case kPictures:
+        options_.picturesFolder = value;
+        break;
     case kPlugins:
         options_.pluginsFolder = value;
         break;
@@ -205,6 +225,12 @@ void Parser::CheckTogether() const
     if (options_.objects.empty()) {
         throw UsageError("no object is named");
     }
+    if (!options_.drag.imagePath.empty() && options_.drag.path.empty()) {
+        throw UsageError("--drag-image: there must be a --drag too");
+    }
+    if (options_.drag.object.value_or(1) > options_.objects.size()) {
+        throw UsageError("--drag: there is no object " + std::to_string(*options_.drag.object));
+    }
     for (const SnapshotRequest& snapshot : options_.snapshots) {
         if (options_.until && snapshot.at && *snapshot.at > *options_.until) {
             throw UsageError("--at: the time for '" + snapshot.path + "' lies after --until");
@@ -222,34 +248,28 @@ Options ParseOptions(int argc, char* const* argv)
 const char* HelpText()
 {
     return R"(Usage: vornview [OPTION...] OBJECT...
-Shows a page of embedded objects. An OBJECT is a file, or - for standard input.
-This build has no window: every page is run as with --headless.
-
-  --headless            no window; the page is drawn in memory on a virtual clock
-  --size WxH            the page's size (800x600)
-  --type MIME           type of the objects that follow
-                        (else by their first bytes or the name's extension)
-  --flags N             display flags of the objects that follow (0x1F)
-  --arrive BYTES        bytes per second at which each object's bytes arrive
-                        (else as fast as they come)
-  --play                click the play button of each movie as soon as it is there
-  --at SECONDS --snapshot FILE.png
-                        the page at that time of its clock; may be repeated;
-                        without --at: at the end
-  --wav FILE.wav        the page's sound
-  --until SECONDS       end the page's clock there; else when all is loaded and
-                        every playing movie has ended
-  --click X,Y@SECONDS   a click on the page, at that time or as soon as there is an
-                        object to take it; may be repeated
-  --key NAME@SECONDS    a key: space, left, right, up, down or one character;
-                        may be repeated
-  --report FILE.json    what happened (a file: plug-ins write to standard output)
-  --plugins DIR         where the plug-in bundles are
-  --list-plugins        what the plug-in bundles accept
-  --version             the viewer's version
-  -h, --help            this text
-
-Exit status: 0 every object showed or played something, 1 one did not, 2 usage.
+Shows a page of objects: files, folders, e-mails and web archives (.eml,
+.mhtml), http and https URLs, - for standard input. F1 in the
+window shows its keys.
+  --info, --list-plugins  tell about the objects; what the plug-ins accept
+  --headless              no window; the page is drawn on a clock of its own
+  --size WxH              the page's size (800x600)
+  --type MIME, --flags N  type and display flags (0x1F) of objects that follow
+  --arrive BYTES          bytes per second at which each object's bytes arrive
+  --play                  click the play button of each movie once it is there
+  --until SECONDS         end there, else when all is loaded and was played
+  --click X,Y@SECONDS     a click on the page, then or once it can be taken
+  --key NAME@SECONDS      a key: space, left, right, up, down or a character
+  --at SECONDS            the time of the --snapshot to follow (else the end)
+  --snapshot FILE.png     the page as a picture
+  --wav FILE.wav          the page's sound
+  --drag [N:]FILE.pict    drag object N, or the first that can be, out of it
+  --drag-image FILE.png   with --drag: the image that follows the pointer
+  --report FILE.json      what happened (plug-ins write to standard output)
+  --pictures DIR          where the window's key S saves (~/Pictures)
+  --plugins DIR           where the plug-in bundles are
+  --version, -h, --help   the viewer's version; this text
+Exit status: 0 every object was shown, 1 one was not, 2 usage.
 )";
 }
 

@@ -15,7 +15,7 @@ namespace viewer
 
 // An object to embed in the page, as it was named.
 struct ObjectRequest {
-    std::string location; // a path, or "-" for standard input
+    std::string location; // a path, an http or https URL, or "-" for standard input
     std::string mimeType; // empty: by the first bytes or the name's extension
     UInt32 displayFlags = 0;
 };
@@ -34,10 +34,18 @@ struct SnapshotRequest {
     std::string path;
 };
 
+// An object to be dragged out of the page when it ends.
+struct DragRequest {
+    std::optional<size_t> object; // counted from 1; none: the first that can be dragged
+    std::string path;             // of the picture; empty: no drag
+    std::string imagePath;        // of the image that follows the pointer, empty: not wanted
+};
+
 struct Options {
     bool help = false;
     bool version = false;
     bool listPlugins = false;
+    bool info = false;
     bool headless = false;
     bool play = false;
     SInt16 width = 800;
@@ -46,9 +54,11 @@ struct Options {
     std::optional<SInt64> until; // microseconds
     std::vector<SnapshotRequest> snapshots;
     std::vector<UserEvent> events;
-    std::string wavPath;       // empty: none
-    std::string reportPath;    // empty: none
-    std::string pluginsFolder; // empty: where the program was built or installed
+    DragRequest drag;
+    std::string wavPath;        // empty: none
+    std::string reportPath;     // empty: none
+    std::string picturesFolder; // empty: the user's own
+    std::string pluginsFolder;  // empty: where the program was built or installed
     std::vector<ObjectRequest> objects;
 };
 

@@ -42,7 +42,9 @@ void RefuseOutputsThatAreObjects(const Options& options)
         RefuseIfObject("--snapshot", snapshot.path, options);
     }
     for (const auto& [option, path] :
-         {std::pair("--wav", options.wavPath), std::pair("--report", options.reportPath)}) {
+         {std::pair("--wav", options.wavPath), std::pair("--report", options.reportPath),
+          std::pair("--drag", options.drag.path),
+          std::pair("--drag-image", options.drag.imagePath)}) {
         if (!path.empty()) {
             RefuseIfObject(option, path, options);
         }

@@ -3,6 +3,7 @@
 
 #include "toolbox/Errors.h"
 #include "toolbox/events/Events.h"
+#include "viewer/Rects.h"
 
 #include <algorithm>
 #include <cstring>
@@ -19,28 +20,19 @@ constexpr SInt32 kBytesPerPixel = 4;
 // New rows of images are drawn 30 times a second.
 constexpr SInt64 kRowsDrawInterval = 1'000'000 / 30;
 
-bool Contains(const Rect& rect, Point place)
-{
-    return place.v >= rect.top && place.v < rect.bottom && place.h >= rect.left &&
-           place.h < rect.right;
-}
-
-Rect Intersection(const Rect& a, const Rect& b)
-{
-    return {std::max(a.top, b.top), std::max(a.left, b.left), std::min(a.bottom, b.bottom),
-            std::min(a.right, b.right)};
-}
-
 } // namespace
 
-Page::Page(SInt16 width, SInt16 height) : width_(width), clip_(NewRgn())
+Page::Page(SInt16 width, SInt16 height)
+    : width_(width), clip_(NewRgn()), view_{0, 0, height, width}, dirty_(NewRgn())
 {
-    const Rect bounds = {0, 0, height, width};
-    if (clip_ == nullptr || CreateWindowPort(&bounds, &port_) != noErr) {
+    const Rect bounds = view_;
+    if (clip_ == nullptr || dirty_ == nullptr || CreateWindowPort(&bounds, &port_) != noErr) {
         DisposeRgn(clip_);
+        DisposeRgn(dirty_);
         throw std::runtime_error("there is not enough memory for a page of that size");
     }
     SetPort(port_);
+    shape_ = {width, height};
 }
 
 Page::~Page()
@@ -48,6 +40,7 @@ Page::~Page()
     objects_.clear();
     DisposeWindowPort(port_);
     DisposeRgn(clip_);
+    DisposeRgn(dirty_);
 }
 
 EmbeddedObject& Page::Add(std::unique_ptr<EmbeddedObject> object)
@@ -59,10 +52,71 @@ EmbeddedObject& Page::Add(std::unique_ptr<EmbeddedObject> object)
 
 void Page::IdleObjects()
 {
+    NoteOtherDrawing();
+    const SInt64 now = ToolboxMicroseconds();
     for (const auto& object : objects_) {
-        PreparePort(object->Area());
-        object->Idle();
+        if (object->IsIdleDue(now, IsInView(*object))) {
+            Idle(*object, now);
+        }
     }
+}
+
+void Page::Idle(EmbeddedObject& object, SInt64 now)
+{
+    PreparePort(object.Area());
+    object.Idle();
+    if (TakeDrawing(object.Area())) {
+        object.NoteDrawing(EmbeddedObject::Drawing::kByItself);
+    }
+    object.NoteIdle(now, rhythm_);
+}
+
+bool Page::IsInView(const EmbeddedObject& object) const
+{
+    return !IsEmpty(Intersection(object.Area(), view_));
+}
+
+std::optional<SInt64> Page::NextTime() const
+{
+    std::optional<SInt64> next;
+    const auto consider = [&](SInt64 time) { next = std::min(next.value_or(time), time); };
+    for (const auto& object : objects_) {
+        if (const std::optional<SInt64> idle = object->NextIdle(); idle && IsInView(*object)) {
+            consider(*idle);
+        }
+        if (object->HasNewRows()) {
+            consider(nextRowsDraw_);
+        }
+    }
+    return next;
+}
+
+// Movies also draw while threads run.
+void Page::NoteOtherDrawing()
+{
+    if (TakeDirtyRegion(port_, dirty_) == 0) {
+        return;
+    }
+    const SInt32 count = CountRegionRects(dirty_);
+    for (SInt32 i = 0; i < count; ++i) {
+        changes_.Add(GetRegionRect(dirty_, i));
+    }
+}
+
+// What was drawn under that clip, if anything.
+bool Page::TakeDrawing(const Rect& clip)
+{
+    if (TakeDirtyRegion(port_, nullptr) == 0) {
+        return false;
+    }
+    changes_.Add(clip);
+    return true;
+}
+
+std::vector<Rect> Page::TakeChanges()
+{
+    NoteOtherDrawing();
+    return changes_.Take();
 }
 
 void Page::DrawChanges()
@@ -75,7 +129,7 @@ void Page::DrawChanges()
         LayOut();
     }
     for (const auto& object : objects_) {
-        if (object->NeedsDisplay()) {
+        if (object->NeedsDisplay() && !IsEmpty(object->Area())) {
             Display(*object, object->Area());
         }
     }
@@ -92,20 +146,96 @@ void Page::ObserveObjects()
 // What moved is wiped out at its old place first, because something else may stand there now.
 void Page::LayOut()
 {
-    std::vector<AreaSize> areas;
-    for (const auto& object : objects_) {
-        areas.push_back(object->WantedArea(width_));
-    }
-    const std::vector<Rect> rects = LayOutRows(areas, width_);
+    const std::vector<Rect> rects = PlaceObjects();
+    FitPort();
     for (size_t i = 0; i < objects_.size(); ++i) {
-        if (EqualRect(&objects_[i]->Area(), &rects[i]) == 0) {
-            Fill(objects_[i]->Area(), kBackground);
+        const Rect& area = objects_[i]->Area();
+        if (!IsEmpty(area) && EqualRect(&area, &rects[i]) == 0) {
+            Wipe(Surroundings(area));
         }
     }
     for (size_t i = 0; i < objects_.size(); ++i) {
         MoveObject(*objects_[i], rects[i]);
     }
     laidOut_ = true;
+    ++layouts_;
+}
+
+std::vector<Rect> Page::PlaceObjects()
+{
+    std::vector<Rect> rects(objects_.size());
+    contentHeight_ = 0;
+    if (shape_.alone != nullptr) {
+        const auto found = std::find_if(objects_.begin(), objects_.end(), [&](const auto& each) {
+            return each.get() == shape_.alone;
+        });
+        rects[static_cast<size_t>(found - objects_.begin())] = {0, 0, shape_.height, shape_.width};
+        return rects;
+    }
+    std::vector<AreaSize> areas;
+    const auto inner = static_cast<SInt16>(std::max(1, width_ - 2 * style_.margin));
+    for (const auto& object : objects_) {
+        areas.push_back(object->WantedArea(inner, shape_.zoom));
+    }
+    rects = LayOutRows(areas, width_, style_);
+    for (const Rect& rect : rects) {
+        const int end = rect.bottom + style_.captionHeight + style_.margin;
+        contentHeight_ = static_cast<SInt16>(std::clamp<int>(end, contentHeight_, INT16_MAX));
+    }
+    return rects;
+}
+
+// Without memory for more the port stays as it is, and what lies below it cannot be seen.
+void Page::FitPort()
+{
+    if (!grows_) {
+        return;
+    }
+    Rect bounds{};
+    GetPortBounds(port_, &bounds);
+    const Rect wanted = {0, 0, std::max(shape_.height, contentHeight_), shape_.width};
+    if (EqualRect(&bounds, &wanted) == 0 && ResizeWindowPort(port_, &wanted) == noErr) {
+        Wipe({bounds.bottom, 0, wanted.bottom, wanted.right});
+        Wipe({0, bounds.right, wanted.bottom, wanted.right});
+    }
+}
+
+// An area with its caption and what may mark it.
+Rect Page::Surroundings(const Rect& area) const
+{
+    const int around = std::min(style_.gap / 2, style_.margin / 2);
+    const int caption = style_.captionHeight;
+    const int right = std::max(area.right + around, area.left + style_.leastWidth);
+    return {static_cast<SInt16>(area.top - around), static_cast<SInt16>(area.left - around),
+            static_cast<SInt16>(std::min(area.bottom + around + caption, INT16_MAX)),
+            static_cast<SInt16>(std::min(right, INT16_MAX))};
+}
+
+void Page::SetStyle(const PageStyle& style)
+{
+    style_ = style;
+    grows_ = true;
+    laidOut_ = false;
+    Wipe({0, 0, shape_.height, shape_.width});
+}
+
+void Page::Reshape(const Shape& shape)
+{
+    shape_ = shape;
+    width_ = shape.width;
+    laidOut_ = false;
+    Rect bounds{};
+    Wipe(*GetPortBounds(port_, &bounds));
+    for (const auto& object : objects_) {
+        object->SetArea({});
+        object->SetEnlarged(shape.zoom > 1 || shape.alone == object.get());
+    }
+}
+
+UInt8* Page::PixelsToDraw(const Rect& changed, SInt32& rowBytes)
+{
+    changes_.Add(changed);
+    return GetPortPixels(port_, &rowBytes);
 }
 
 void Page::MoveObject(EmbeddedObject& object, const Rect& area)
@@ -114,7 +244,7 @@ void Page::MoveObject(EmbeddedObject& object, const Rect& area)
         object.SetArea(area);
         object.NeedDisplay();
     }
-    if (!object.HasDimensions()) {
+    if (!object.HasDimensions() && !IsEmpty(area)) {
         DrawPlaceholder(area);
     }
 }
@@ -135,9 +265,13 @@ void Page::DrawNewRows()
 
 void Page::Display(EmbeddedObject& object, const Rect& clip)
 {
+    NoteOtherDrawing();
     Fill(clip, kBackground);
     PreparePort(clip);
     object.Display();
+    if (TakeDrawing(clip)) {
+        object.NoteDrawing(EmbeddedObject::Drawing::kAsDisplayed);
+    }
 }
 
 Page::Below Page::LookBelow() const
@@ -167,8 +301,13 @@ EmbeddedObject* Page::ObjectAt(Point place) const
 
 bool Page::Click(EmbeddedObject& object, const EventRecord& event)
 {
+    NoteOtherDrawing();
     PreparePort(object.Area());
-    return object.Click(event);
+    const bool taken = object.Click(event);
+    if (TakeDrawing(object.Area())) {
+        object.NoteDrawing(EmbeddedObject::Drawing::kByItself);
+    }
+    return taken;
 }
 
 void Page::FreeObjects()
@@ -184,6 +323,8 @@ void Page::PreparePort(const Rect& clip)
     SetPort(port_);
     RectRgn(clip_, &clip);
     SetClip(clip_);
+    ForeColor(blackColor);
+    BackColor(whiteColor);
 }
 
 void Page::Fill(const Rect& rect, UInt8 grey)
@@ -197,6 +338,7 @@ void Page::Fill(const Rect& rect, UInt8 grey)
                         ptrdiff_t{visible.left} * kBytesPerPixel,
                     grey, static_cast<size_t>(visible.right - visible.left) * kBytesPerPixel);
     }
+    changes_.Add(visible);
 }
 
 void Page::DrawPlaceholder(const Rect& area)

@@ -4,6 +4,8 @@
 #pragma once
 
 #include "viewer/EmbeddedObject.h"
+#include "viewer/PageChanges.h"
+#include "viewer/TextBlock.h"
 
 #include <memory>
 #include <vector>
@@ -25,12 +27,26 @@ public:
 
     EmbeddedObject& Add(std::unique_ptr<EmbeddedObject> object);
     const std::vector<std::unique_ptr<EmbeddedObject>>& Objects() const { return objects_; }
+    void AddText(TextBlock text) { texts_.push_back(std::move(text)); }
+    // In reading order.
+    const std::vector<TextBlock>& Texts() const { return texts_; }
     CGrafPtr Port() const { return port_; }
 
-    // Gives every object time.
+    // The part of the page that can be seen; all of it if nobody says so. Images elsewhere stand
+    // still, movies go on playing.
+    void SetView(const Rect& view) { view_ = view; }
+    // How often images are given time (in every tick, if nobody says so).
+    void SetIdleRhythm(IdleRhythm::Kind rhythm) { rhythm_ = rhythm; }
+    // Gives time to every object that needs it.
     void IdleObjects();
+    // When images need time or want to draw, however often IdleObjects is called until then. May
+    // have passed.
+    std::optional<SInt64> NextTime() const;
     // Lays the page out again if an object told its size, and draws what is new.
     void DrawChanges();
+    // Where the port has changed since the last call. Nobody but the page takes the port's dirty
+    // region, which does not hold what the page itself draws.
+    std::vector<Rect> TakeChanges();
     // Notes what came of the round.
     void ObserveObjects();
     // How many objects with a size lie below the page's end, and where the lowest of them ends.
@@ -40,6 +56,30 @@ public:
     };
     Below LookBelow() const;
     SInt16 Width() const { return width_; }
+    // Where the last object with its caption and margin ends.
+    SInt16 ContentHeight() const { return contentHeight_; }
+
+    // For a page that is shown in a window: what is left free, and a port that grows with the
+    // page. Before it is drawn.
+    void SetStyle(const PageStyle& style);
+    const PageStyle& Style() const { return style_; }
+    // The size of the window, how much the objects are enlarged, and the only one that is shown,
+    // as large as the window (null: all are).
+    struct Shape {
+        SInt16 width = 0;
+        SInt16 height = 0;
+        double zoom = 1;
+        const EmbeddedObject* alone = nullptr;
+        bool operator==(const Shape&) const = default;
+    };
+    const Shape& CurrentShape() const { return shape_; }
+    void Reshape(const Shape& shape);
+    // How often objects were given their places.
+    int CountLayouts() const { return layouts_; }
+    // For what the page shows besides its objects: the port's pixels, of which that part counts as
+    // changed.
+    UInt8* PixelsToDraw(const Rect& changed, SInt32& rowBytes);
+    void Wipe(const Rect& rect) { Fill(rect, style_.background); }
     // The object at a place of the page, null for none.
     EmbeddedObject* ObjectAt(Point place) const;
     // Offers an event to an object; true if it took it.
@@ -49,18 +89,35 @@ public:
 
 private:
     void LayOut();
+    std::vector<Rect> PlaceObjects();
+    void FitPort();
+    Rect Surroundings(const Rect& area) const;
     void MoveObject(EmbeddedObject& object, const Rect& area);
     void DrawNewRows();
     void Display(EmbeddedObject& object, const Rect& clip);
     void PreparePort(const Rect& clip);
     void Fill(const Rect& rect, UInt8 grey);
     void DrawPlaceholder(const Rect& area);
+    void Idle(EmbeddedObject& object, SInt64 now);
+    bool IsInView(const EmbeddedObject& object) const;
+    void NoteOtherDrawing();
+    bool TakeDrawing(const Rect& clip);
 
     SInt16 width_;
     CGrafPtr port_ = nullptr;
     RgnHandle clip_ = nullptr;
     std::vector<std::unique_ptr<EmbeddedObject>> objects_;
+    std::vector<TextBlock> texts_;
     bool laidOut_ = false;
+    PageStyle style_;
+    bool grows_ = false;
+    Shape shape_;
+    int layouts_ = 0;
+    SInt16 contentHeight_ = 0;
+    Rect view_;
+    IdleRhythm::Kind rhythm_ = IdleRhythm::Kind::kEveryTick;
+    PageChanges changes_;
+    RgnHandle dirty_ = nullptr;
     SInt64 nextRowsDraw_ = 0;
 };
 

@@ -26,6 +26,9 @@ private:
     SInt64 now_ = 0;
 };
 
+// The time at which the tick count next changes.
+SInt64 NextTickAfter(SInt64 microseconds);
+
 // One tick of the page's clock, rounded up to whole microseconds.
 inline constexpr SInt64 kTickMicroseconds = 16667;
 

@@ -47,8 +47,11 @@ PageWork::Mark PageWork::Look() const
     Mark mark;
     mark.steps = starter_.CountSteps();
     for (const auto& object : page_.Objects()) {
-        const MovieStatistics statistics = object->Statistics();
+        // An image has no movies, and there may be a thousand.
+        const MovieStatistics statistics =
+            object->IsImage() ? MovieStatistics{} : object->Statistics();
         mark.bytes += object->HasBytes() ? object->Bytes().HandedOut() : 0;
+        mark.pictures += object->ImagePicturesShown();
         mark.pictures += statistics.picturesShown + statistics.picturesDropped;
         mark.soundFrames += statistics.soundFrames;
         mark.duration += statistics.durationSeconds;
@@ -71,8 +74,9 @@ bool PageWork::IsAnyPlaying() const
 {
     const auto& objects = page_.Objects();
     return NextToolboxDeadline() >= 0 &&
-           std::any_of(objects.begin(), objects.end(),
-                       [](const auto& each) { return each->Statistics().playing != 0; });
+           std::any_of(objects.begin(), objects.end(), [](const auto& each) {
+               return !each->IsImage() && each->Statistics().playing != 0;
+           });
 }
 
 bool PageWork::IsToolboxBusy()
@@ -109,6 +113,9 @@ PageReport PageWork::MakeReport() const
     PageReport report;
     for (const auto& object : page_.Objects()) {
         report.objects.push_back(object->Report());
+    }
+    for (const TextBlock& block : page_.Texts()) {
+        report.text.push_back(block.text);
     }
     report.seconds = static_cast<double>(ToolboxMicroseconds()) / 1e6;
     return report;

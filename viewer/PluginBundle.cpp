@@ -3,6 +3,7 @@
 
 #include "viewer/DocumentTypeReading.h"
 
+#include <algorithm>
 #include <dlfcn.h>
 #include <filesystem>
 #include <memory>
@@ -30,6 +31,9 @@ EntryPoints FindEntryPoints(void* code)
     Find(code, "VornPluginDisplayObject", calls.displayObject);
     Find(code, "VornPluginIdleObject", calls.idleObject);
     Find(code, "VornPluginHandleObjectClick", calls.handleObjectClick);
+    Find(code, "VornPluginPrepareDrag", calls.prepareDrag);
+    Find(code, "VornPluginCleanupDrag", calls.cleanupDrag);
+    Find(code, "VornPluginGetObjectData", calls.getObjectData);
     Find(code, "VornPluginGetObjectDisplayRect", calls.getObjectDisplayRect);
     Find(code, "VornPluginSetObjectDisplayFlags", calls.setObjectDisplayFlags);
     Find(code, "VornPluginHaveObjectDimensions", calls.haveObjectDimensions);
@@ -43,7 +47,20 @@ bool IsMovieType(const std::string& mimeType)
     return mimeType.starts_with("video/") || mimeType.starts_with("audio/");
 }
 
+bool DeclareMovies(const std::vector<DocumentType>& types)
+{
+    return std::any_of(types.begin(), types.end(), [](const DocumentType& type) {
+        return std::any_of(type.mimeTypes.begin(), type.mimeTypes.end(), IsMovieType);
+    });
+}
+
 } // namespace
+
+std::string CodeFileOf(const std::string& path)
+{
+    const std::string name = std::filesystem::path(path).stem().string();
+    return path + "/Contents/Linux/" + name + ".so";
+}
 
 PluginBundle::PluginBundle(const std::string& path)
     : path_(path), name_(std::filesystem::path(path).stem().string())
@@ -70,14 +87,14 @@ void PluginBundle::OpenBundle()
         throw std::runtime_error("it has no readable Contents/Info.plist");
     }
     documentTypes_ = ReadDocumentTypes(bundle_);
+    playsMovies_ = DeclareMovies(documentTypes_);
 }
 
 // The code stays loaded for the life of the process: the data handler it registered with the
 // toolbox does too.
 void PluginBundle::LoadCode()
 {
-    const std::string file = path_ + "/Contents/Linux/" + name_ + ".so";
-    code_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    code_ = dlopen(CodeFileOf(path_).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (code_ == nullptr) {
         throw std::runtime_error(dlerror());
     }
@@ -87,18 +104,6 @@ void PluginBundle::LoadCode()
 PluginBundle::~PluginBundle()
 {
     CFRelease(bundle_);
-}
-
-bool PluginBundle::PlaysMovies() const
-{
-    for (const DocumentType& type : documentTypes_) {
-        for (const std::string& mimeType : type.mimeTypes) {
-            if (IsMovieType(mimeType)) {
-                return true;
-            }
-        }
-    }
-    return false;
 }
 
 } // namespace viewer

@@ -29,12 +29,18 @@ struct EntryPoints {
     decltype(&VornPluginDisplayObject) displayObject = nullptr;
     decltype(&VornPluginIdleObject) idleObject = nullptr;
     decltype(&VornPluginHandleObjectClick) handleObjectClick = nullptr;
+    decltype(&VornPluginPrepareDrag) prepareDrag = nullptr;
+    decltype(&VornPluginCleanupDrag) cleanupDrag = nullptr;
+    decltype(&VornPluginGetObjectData) getObjectData = nullptr;
     decltype(&VornPluginGetObjectDisplayRect) getObjectDisplayRect = nullptr;
     decltype(&VornPluginSetObjectDisplayFlags) setObjectDisplayFlags = nullptr;
     decltype(&VornPluginHaveObjectDimensions) haveObjectDimensions = nullptr;
     decltype(&VornPluginGetObjectComment) getObjectComment = nullptr;
     decltype(&VornPluginFreeObject) freeObject = nullptr;
 };
+
+// Where a bundle at that path has its code.
+std::string CodeFileOf(const std::string& path);
 
 // Throws std::runtime_error with a text for the user where a bundle cannot be used.
 class PluginBundle
@@ -52,7 +58,7 @@ public:
     const EntryPoints& Calls() const { return calls_; }
     CFBundleRef Reference() const { return bundle_; }
     // It declares video or sound, so its objects open one at a time.
-    bool PlaysMovies() const;
+    bool PlaysMovies() const { return playsMovies_; }
 
 private:
     void OpenBundle();
@@ -63,6 +69,7 @@ private:
     CFBundleRef bundle_ = nullptr;
     void* code_ = nullptr;
     std::vector<DocumentType> documentTypes_;
+    bool playsMovies_ = false;
     EntryPoints calls_;
 };
 

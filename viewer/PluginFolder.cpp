@@ -19,7 +19,7 @@ std::vector<std::string> FindBundles(const std::string& path)
     std::error_code error;
     std::vector<std::string> found;
     for (const fs::directory_entry& entry : fs::directory_iterator(path, error)) {
-        if (entry.path().extension() == ".plugin" && entry.is_directory()) {
+        if (entry.path().extension() == ".plugin" && fs::exists(CodeFileOf(entry.path()), error)) {
             found.push_back(entry.path().string());
         }
     }

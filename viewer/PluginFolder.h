@@ -20,7 +20,8 @@ class PluginFolder
 {
 public:
     // Loads every *.plugin of a folder in the order of their names. One that cannot be used is
-    // told to the user and left out. Throws std::runtime_error if there is no such folder.
+    // told to the user and left out; a folder without code is none (yet). Throws std::runtime_error
+    // if there is no such folder.
     explicit PluginFolder(const std::string& path);
 
     const std::vector<std::unique_ptr<PluginBundle>>& Bundles() const { return bundles_; }

@@ -13,6 +13,8 @@ namespace viewer
 namespace
 {
 
+// No object is made with these.
+constexpr UInt32 kFlagsNotSet = 0xFFFFFFFF;
 constexpr OSType kUnknownCreator = FOUR_CHARS('?', '?', '?', '?');
 
 } // namespace
@@ -31,7 +33,8 @@ OSErr PluginObject::Make(const PluginBundle& bundle, const ObjectDescription& de
         description.fileName.c_str(), description.type.mimeType.c_str(), &plugin_);
     if (error == noErr) {
         RememberObject(plugin_, owner_);
-        bundle.Calls().setObjectDisplayFlags(plugin_, description.displayFlags);
+        displayFlags_ = kFlagsNotSet;
+        SetDisplayFlags(description.displayFlags);
     }
     return error;
 }
@@ -39,6 +42,16 @@ OSErr PluginObject::Make(const PluginBundle& bundle, const ObjectDescription& de
 OSErr PluginObject::Decode()
 {
     return bundle_->Calls().decodeObject(plugin_);
+}
+
+// The page restores the background before it has anything drawn, so nothing may be missing.
+void PluginObject::SetDisplayFlags(UInt32 flags)
+{
+    flags &= ~UInt32{kVornDisplayPartialRedraw};
+    if (IsMade() && flags != displayFlags_) {
+        displayFlags_ = flags;
+        bundle_->Calls().setObjectDisplayFlags(plugin_, flags);
+    }
 }
 
 void PluginObject::Display(const Rect& area)
@@ -59,6 +72,27 @@ bool PluginObject::Click(const Rect& area, const EventRecord& event)
 {
     const BundleCall call(&owner_);
     return IsMade() && bundle_->Calls().handleObjectClick(plugin_, &area, &event) != 0;
+}
+
+OSErr PluginObject::PrepareDrag(const Rect& area, DragRef drag, UInt32 item)
+{
+    const BundleCall call(&owner_);
+    return IsMade() ? bundle_->Calls().prepareDrag(plugin_, drag, item, &area, nullptr)
+                    : OSErr{paramErr};
+}
+
+void PluginObject::CleanUpDrag()
+{
+    if (IsMade()) {
+        const BundleCall call(&owner_);
+        bundle_->Calls().cleanupDrag(plugin_);
+    }
+}
+
+OSErr PluginObject::GetData(OSType& type, Handle& data)
+{
+    const BundleCall call(&owner_);
+    return IsMade() ? bundle_->Calls().getObjectData(plugin_, &type, &data) : OSErr{paramErr};
 }
 
 Rect PluginObject::DrawnRect(const Rect& area) const

@@ -26,8 +26,16 @@ public:
     // On a thread of its own; returns when all bytes are in.
     OSErr Decode();
     void Display(const Rect& area);
+    // Asks nothing of the bundle where they are what they were.
+    void SetDisplayFlags(UInt32 flags);
     OSErr Idle(const Rect& area);
     bool Click(const Rect& area, const EventRecord& event);
+    // Adds what it can be dragged as, with its image, to the drag. The current port is the page's.
+    // In any case followed by CleanUpDrag.
+    OSErr PrepareDrag(const Rect& area, DragRef drag, UInt32 item);
+    void CleanUpDrag();
+    // Its data, a handle that passes to the caller or null, and their type.
+    OSErr GetData(OSType& type, Handle& data);
     // Where in the area it draws.
     Rect DrawnRect(const Rect& area) const;
     std::string Comment() const;
@@ -42,6 +50,7 @@ private:
     EmbeddedObject& owner_;
     const PluginBundle* bundle_ = nullptr;
     VornPlugin* plugin_ = nullptr;
+    UInt32 displayFlags_ = 0;
 };
 
 } // namespace viewer

@@ -35,7 +35,7 @@ std::vector<UInt8> RgbOf(CGrafPtr port, size_t width, size_t height)
 
 } // namespace
 
-void WritePng(CGrafPtr port, const std::string& path)
+void WritePng(CGrafPtr port, const std::string& path, const std::string& what)
 {
     Rect bounds{};
     GetPortBounds(port, &bounds);
@@ -47,14 +47,13 @@ void WritePng(CGrafPtr port, const std::string& path)
     image.width = static_cast<png_uint_32>(width);
     image.height = static_cast<png_uint_32>(height);
     image.format = PNG_FORMAT_RGB;
-    OutputFile file(path, "the snapshot");
+    OutputFile file(path, what);
     errno = 0;
     if (png_image_write_to_stdio(&image, file.Stream(), 0, rgb.data(), 0, nullptr) == 0) {
         if (errno != 0) {
             file.Fail();
         }
-        throw std::runtime_error("the snapshot could not be written: " +
-                                 std::string(image.message));
+        throw std::runtime_error(what + " could not be written: " + image.message);
     }
     file.Commit();
 }

@@ -53,12 +53,15 @@ std::string WriteReport(const PageReport& report)
     for (const ObjectReport& object : report.objects) {
         objects.push_back(ToJson(object));
     }
-    const Json json = {
+    Json json = {
         {"objects", objects},
         {"seconds", report.seconds},
         {"cpu_seconds", report.cpuSeconds},
         {"peak_rss_bytes", report.peakRssBytes},
     };
+    if (!report.text.empty()) {
+        json["text"] = report.text;
+    }
     return json.dump(1, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 

@@ -26,6 +26,10 @@ struct ObjectReport {
     bool complete = false;
     OSErr error = 0;
     Rect rect{}; // on the page; empty if the object never had a size
+    // These are not written.
+    SInt32 wholeBytes = -1; // as many as there are, -1 if that is not known
+    SInt16 width = 0;       // as its bundle tells it
+    SInt16 height = 0;
     std::string comment;
     std::optional<FirstPicture> firstPicture;
     SInt32 picturesShown = 0;
@@ -37,6 +41,7 @@ struct ObjectReport {
 
 struct PageReport {
     std::vector<ObjectReport> objects;
+    std::vector<std::string> text; // the page's paragraphs; written if there are any
     double seconds = 0; // of the page's clock
     double cpuSeconds = 0;
     SInt64 peakRssBytes = 0;

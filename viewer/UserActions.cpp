@@ -39,9 +39,6 @@ UserActions::UserActions(Page& page, std::vector<UserEvent> events, bool playMov
 {
     std::stable_sort(events_.begin(), events_.end(),
                      [](const UserEvent& a, const UserEvent& b) { return a.at < b.at; });
-    if (!page_.Objects().empty()) {
-        focus_ = page_.Objects().front().get();
-    }
 }
 
 bool UserActions::SendDue(SInt64 now)
@@ -57,11 +54,20 @@ bool UserActions::SendDue(SInt64 now)
     return SendReleases(now) || any;
 }
 
+// Images take no keys: the movie that was clicked last, else the first object that is no image.
+EmbeddedObject* UserActions::KeyTaker() const
+{
+    const auto& objects = page_.Objects();
+    const auto first = std::find_if(objects.begin(), objects.end(),
+                                    [](const auto& each) { return !each->IsImage(); });
+    return focus_ == nullptr && first != objects.end() ? first->get() : focus_;
+}
+
 // A place without an object may get one as long as the layout is not final.
 bool UserActions::IsPossible(const UserEvent& event) const
 {
     if (event.kind == UserEvent::Kind::kKey) {
-        return focus_ == nullptr || !focus_->MayAppear();
+        return KeyTaker() == nullptr || !KeyTaker()->MayAppear();
     }
     const EmbeddedObject* const object = page_.ObjectAt(event.where);
     return (object != nullptr && object->WasDisplayed()) ||
@@ -126,15 +132,18 @@ void UserActions::Press(const UserEvent& event, SInt64 now)
     if (object == nullptr) {
         return;
     }
-    focus_ = object;
     page_.Click(*object, MakeEvent(mouseDown, 0, event.where, false));
+    if (object->IsImage()) {
+        return; // it would take the release for another click
+    }
+    focus_ = object;
     releases_.push_back({now + kClickDuration, object, event.where});
 }
 
 void UserActions::PressKey(const UserEvent& event)
 {
-    if (focus_ != nullptr) {
-        page_.Click(*focus_, MakeEvent(keyDown, event.character, {}, true));
+    if (EmbeddedObject* const object = KeyTaker()) {
+        page_.Click(*object, MakeEvent(keyDown, event.character, {}, true));
     }
 }
 

@@ -35,6 +35,7 @@ private:
         EmbeddedObject* object;
         Point where;
     };
+    EmbeddedObject* KeyTaker() const;
     bool IsPossible(const UserEvent& event) const;
     void Send(const UserEvent& event, SInt64 now);
     bool SendReleases(SInt64 now);
@@ -48,7 +49,7 @@ private:
     std::vector<Release> releases_; // buttons that are held down, in order
     bool playMovies_;
     std::map<const EmbeddedObject*, int> played_; // how often each had been made by then
-    EmbeddedObject* focus_ = nullptr;             // takes the keys
+    EmbeddedObject* focus_ = nullptr;             // the movie that was clicked last
 };
 
 // The middle of the play button of a movie that is drawn in that rectangle.

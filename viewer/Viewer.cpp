@@ -2,13 +2,21 @@
 #include "viewer/Viewer.h"
 
 #include "viewer/Console.h"
+#include "viewer/FileLimit.h"
+#include "viewer/FolderObjects.h"
 #include "viewer/HeadlessRun.h"
+#include "viewer/InfoTable.h"
 #include "viewer/OutputCheck.h"
 #include "viewer/OutputFile.h"
+#include "viewer/QuietOutput.h"
 #include "viewer/SoundFile.h"
 #include "viewer/TemporaryPlace.h"
+#ifdef VORN_HAS_WINDOW
+#include "viewer/window/WindowRun.h"
+#endif
 
 #include <cstdio>
+#include <utility>
 
 namespace viewer
 {
@@ -44,15 +52,55 @@ bool SucceedsOrTells(Action action)
     }
 }
 
+// A page without an output would run unseen.
+void TellThereIsNoWindow(const Options& options, const std::string& why)
+{
+    const bool isSeen = !options.snapshots.empty() || !options.wavPath.empty() ||
+                        !options.reportPath.empty() || !options.drag.path.empty();
+    Console::Tell("", why + ": the page runs without one" +
+                          (isSeen ? "" : "; --snapshot, --wav and --report show what comes of it"));
+}
+
+struct Outcome {
+    PageReport report;
+    bool outputFailed = false;
+};
+
+template <typename PageRun>
+Outcome RunPageAs(const Options& options, const PluginFolder& plugins)
+{
+    PageRun run(options, plugins);
+    Outcome outcome;
+    outcome.report = run.Run();
+    outcome.outputFailed = run.OutputFailed();
+    return outcome;
+}
+
+Outcome RunPage(const Options& options, const PluginFolder& plugins)
+{
+    if (!options.headless) {
+#ifdef VORN_HAS_WINDOW
+        try {
+            return RunPageAs<WindowRun>(options, plugins);
+        } catch (const NoDisplay& problem) {
+            TellThereIsNoWindow(options,
+                                std::string("there is no window here (") + problem.what() + ")");
+        }
+#else
+        TellThereIsNoWindow(options, "this build has no window");
+#endif
+    }
+    return RunPageAs<HeadlessRun>(options, plugins);
+}
+
 int ShowPage(const Options& options, const PluginFolder& plugins)
 {
     std::unique_ptr<SoundFile> sound;
     if (!options.wavPath.empty()) {
         sound = std::make_unique<SoundFile>(options.wavPath);
     }
-    HeadlessRun run(options, plugins);
-    const PageReport report = run.Run();
-    bool written = !run.SnapshotFailed();
+    const auto [report, outputFailed] = RunPage(options, plugins);
+    bool written = !outputFailed;
     if (sound != nullptr) {
         written = SucceedsOrTells([&] { sound->Finish(); }) && written;
     }
@@ -62,18 +110,26 @@ int ShowPage(const Options& options, const PluginFolder& plugins)
     return written ? ExitStatusOf(report) : kNotShown;
 }
 
-// A page without an output would run unseen.
-void TellThereIsNoWindow(const Options& options)
+// Opens the objects, but does nothing to them.
+PageReport LookAtObjects(Options options, const PluginFolder& plugins)
 {
-    const bool isSeen =
-        !options.snapshots.empty() || !options.wavPath.empty() || !options.reportPath.empty();
-    Console::Tell("", std::string("this build has no window: the page runs without one") +
-                          (isSeen ? "" : "; --snapshot, --wav and --report show what comes of it"));
+    const QuietOutput forBundles;
+    options.play = false;
+    options.events.clear();
+    options.snapshots.clear();
+    options.drag = {};
+    return HeadlessRun(options, plugins).Run();
 }
 
-int Run(const Options& options)
+int ShowInfo(const Options& options, const PluginFolder& plugins)
 {
-    RefuseOutputsThatAreObjects(options);
+    const PageReport report = LookAtObjects(options, plugins);
+    std::fputs(DescribeObjects(report).c_str(), stdout);
+    return ExitStatusOf(report);
+}
+
+int Run(Options options)
+{
     const std::string folder =
         options.pluginsFolder.empty() ? DefaultPluginsFolder() : options.pluginsFolder;
     const PluginFolder plugins(folder);
@@ -81,9 +137,12 @@ int Run(const Options& options)
         std::fputs(DescribePlugins(plugins).c_str(), stdout);
         return kSuccess;
     }
+    ExpandFolders(options, plugins);
+    RefuseOutputsThatAreObjects(options);
     RequireTemporaryPlace();
-    if (!options.headless) {
-        TellThereIsNoWindow(options);
+    AllowManyFiles();
+    if (options.info) {
+        return ShowInfo(options, plugins);
     }
     return ShowPage(options, plugins);
 }
@@ -93,7 +152,7 @@ int Run(const Options& options)
 int RunViewer(int argc, char* const* argv)
 {
     try {
-        const Options options = ParseOptions(argc, argv);
+        Options options = ParseOptions(argc, argv);
         if (options.help) {
             std::fputs(HelpText(), stdout);
             return kSuccess;
@@ -102,7 +161,7 @@ int RunViewer(int argc, char* const* argv)
             std::puts("vornview " VORN_VERSION);
             return kSuccess;
         }
-        return Run(options);
+        return Run(std::move(options));
     } catch (const UsageError& problem) {
         Console::Tell("", std::string(problem.what()) + "\nTry 'vornview --help'.");
         return kUsage;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/HeadlessRun.h"
+#include "viewer/StopRequest.h"
 #include "viewer/Viewer.h"
 
 #include <csignal>
+#include <initializer_list>
 
 namespace
 {
@@ -10,7 +11,7 @@ namespace
 // The first signal ends the page in good order, a second one the process.
 void StopInGoodOrder(int number)
 {
-    viewer::HeadlessRun::AskToStop();
+    viewer::AskToStop();
     std::signal(number, SIG_DFL);
 }
 

@@ -41,7 +41,7 @@ protected:
         viewer::HeadlessRun run(options, plugins.Folder());
         PageReport report = run.Run();
         told = testing::internal::GetCapturedStderr();
-        snapshotFailed = run.SnapshotFailed();
+        snapshotFailed = run.OutputFailed();
         return report;
     }
     bool Told(const std::string& text) const { return told.find(text) != std::string::npos; }

@@ -200,4 +200,25 @@ TEST(Options, TheHelpTextNamesEveryOption)
     }
 }
 
+TEST(Options, ADragNamesItsObjectOrLeavesItOpen)
+{
+    EXPECT_EQ(Parse({"--drag", "a.pict", "x"}).drag.path, "a.pict");
+    EXPECT_FALSE(Parse({"--drag", "a.pict", "x"}).drag.object);
+    const Options second = Parse({"--drag", "2:a.pict", "--drag-image", "b.png", "x", "y"});
+    EXPECT_EQ(second.drag.object, 2u);
+    EXPECT_EQ(second.drag.path, "a.pict");
+    EXPECT_EQ(second.drag.imagePath, "b.png");
+    EXPECT_EQ(Parse({"--drag", "./2:a", "x"}).drag.path, "./2:a");
+    EXPECT_EQ(Parse({"--drag", "12", "x"}).drag.path, "12");
+}
+
+TEST(Options, ADragOfNoObjectIsRefused)
+{
+    for (const char* wrong : {"0:a", "1:", "99999999999999999999:a"}) {
+        EXPECT_THAT(Complaint({"--drag", wrong}), HasSubstr("--drag: '")) << wrong;
+    }
+    EXPECT_THAT(Complaint({"--drag", "2:a"}), HasSubstr("--drag: there is no object 2"));
+    EXPECT_THAT(Complaint({"--drag-image", "a.png"}), HasSubstr("--drag-image: there must be"));
+}
+
 } // namespace

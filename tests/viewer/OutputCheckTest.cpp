@@ -52,6 +52,15 @@ TEST_F(OutputCheck, NorByASnapshot)
     EXPECT_THAT(Complaint(), HasSubstr("--snapshot: '"));
 }
 
+TEST_F(OutputCheck, NorByADrag)
+{
+    options.drag.path = folder.Path("clip.mpg");
+    EXPECT_THAT(Complaint(), HasSubstr("--drag: '"));
+    options.drag.path = folder.Path("a.pict");
+    options.drag.imagePath = folder.Path("same.mpg");
+    EXPECT_THAT(Complaint(), HasSubstr("--drag-image: '"));
+}
+
 TEST_F(OutputCheck, OtherFilesAndDevicesAreFine)
 {
     options.objects.push_back({"/dev/null", "", 0x1F});

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace
@@ -61,20 +62,35 @@ TEST(PluginFolder, WhatIsUnknownHasNoType)
     }
 }
 
-TEST(PluginFolder, ABundleThatCannotBeUsedIsLeftOut)
+TEST(PluginFolder, AFolderWithoutCodeIsPassedOverInSilence)
 {
     const TestFolder folder;
     fs::create_directories(folder.Path("Empty.plugin"));
-    fs::copy(std::string(FAKE_PLUGINS) + "/Fake.plugin", folder.Path("NoCode.plugin"),
+    fs::copy(std::string(FAKE_PLUGINS) + "/Fake.plugin", folder.Path("NotBuilt.plugin"),
              fs::copy_options::recursive);
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(PluginFolder(folder.Path(".")).Bundles().empty());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(PluginFolder, ABundleThatCannotBeUsedIsLeftOutAndTold)
+{
+    const TestFolder folder;
+    for (const char* name : {"NoPlist", "NoCode"}) {
+        fs::create_directories(folder.Path(name + std::string(".plugin/Contents/Linux")));
+        folder.Write(name + std::string(".plugin/Contents/Linux/") + name + ".so", "no code");
+    }
+    fs::copy(std::string(FAKE_PLUGINS) + "/Fake.plugin/Contents/Info.plist",
+             folder.Path("NoCode.plugin/Contents/Info.plist"));
     fs::copy(std::string(FAKE_PLUGINS) + "/Fake.plugin", folder.Path("Fake.plugin"),
              fs::copy_options::recursive);
     testing::internal::CaptureStderr();
     const PluginFolder plugins(folder.Path("."));
     const std::string told = testing::internal::GetCapturedStderr();
     EXPECT_EQ(plugins.Bundles().size(), 1u);
-    EXPECT_NE(told.find("Empty.plugin"), std::string::npos);
+    EXPECT_NE(told.find("NoPlist.plugin"), std::string::npos);
     EXPECT_NE(told.find("NoCode.plugin"), std::string::npos);
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 2);
 }
 
 TEST(PluginFolder, AMissingFolderIsAnError)

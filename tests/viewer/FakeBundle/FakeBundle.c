@@ -202,6 +202,31 @@ Boolean VornPluginHandleObjectClick(VornPlugin* object, const Rect* displayRect,
     return 1;
 }
 
+OSErr VornPluginPrepareDrag(VornPlugin* object, DragRef drag, UInt32 itemRef,
+                            const Rect* displayRect, unsigned char* outFlag)
+{
+    (void)object;
+    (void)drag;
+    (void)itemRef;
+    (void)displayRect;
+    (void)outFlag;
+    return noErr;
+}
+
+OSErr VornPluginCleanupDrag(VornPlugin* object)
+{
+    Log("cleanup %s\n", object->name);
+    return noErr;
+}
+
+OSErr VornPluginGetObjectData(VornPlugin* object, UInt32* dataType, Handle* outData)
+{
+    (void)object;
+    *dataType = FOUR_CHARS('?', '?', '?', '?');
+    *outData = NULL;
+    return noErr;
+}
+
 void VornPluginGetObjectDisplayRect(VornPlugin* object, const Rect* bounds, Rect* outRect)
 {
     (void)object;
