@@ -48,7 +48,8 @@ AreaSize AreaForPicture(AreaSize natural, UInt32 displayFlags, SInt16 pageWidth)
     if ((displayFlags & kVornDisplayKeepAspect) == 0) {
         return {pageWidth, natural.height};
     }
-    return {pageWidth, ToCoordinate(natural.height * pageWidth / natural.width)};
+    // A picture of one row stays one.
+    return {pageWidth, ToCoordinate(std::max(natural.height * pageWidth / natural.width, 1))};
 }
 
 AreaSize Zoomed(AreaSize natural, double zoom)
