@@ -6,6 +6,8 @@
 #   <name>.plugin/Contents/Linux/<name>.so all of the library `vorn_framework`, the libraries, and
 #                                          SOURCES, which define MakeNewPlugin
 # in VORN_PLUGINS_DIR, or in another folder of the build's top folder.
+# It finds the toolbox in the folder lib beside plugins, and where it is installed, in
+# lib/vorn/plugins, above itself.
 # It exports the names of src/exported-names.txt that it defines, and nothing else.
 
 set(VORN_EXPORTED_NAMES ${CMAKE_CURRENT_LIST_DIR}/../src/exported-names.txt)
@@ -37,5 +39,5 @@ function(vorn_bundle name)
     LIBRARY_OUTPUT_DIRECTORY ${contents}/Linux
     LINK_DEPENDS ${VORN_VERSION_SCRIPT}
     BUILD_WITH_INSTALL_RPATH ON
-    INSTALL_RPATH "$ORIGIN/../../../../lib")
+    INSTALL_RPATH "$ORIGIN/../../../../lib:$ORIGIN/../../../../..")
 endfunction()

@@ -44,7 +44,7 @@ Row Describe(const ObjectReport& object)
     return {object.name,
             OrDash(object.type),
             OrDash(object.plugin),
-            std::to_string(object.bytes),
+            object.wholeBytes >= 0 ? std::to_string(object.wholeBytes) : "-",
             hasSize ? std::to_string(object.width) + "x" + std::to_string(object.height) : "-",
             Seconds(object.durationSeconds),
             State(object)};

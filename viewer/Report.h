@@ -41,10 +41,10 @@ struct ObjectReport {
 
 struct PageReport {
     std::vector<ObjectReport> objects;
-    std::vector<std::string> text; // the page's paragraphs; written if there are any
     double seconds = 0; // of the page's clock
     double cpuSeconds = 0;
     SInt64 peakRssBytes = 0;
+    std::vector<std::string> text = {}; // the page's paragraphs; written if there are any
 };
 
 // As JSON, one line per member; text that is no UTF-8 is repaired.

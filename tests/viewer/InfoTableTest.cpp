@@ -13,7 +13,7 @@ TEST(InfoTable, HasALineForEachObject)
     clip.name = "clip.mpg";
     clip.type = "video/mpeg";
     clip.plugin = "VornMovie";
-    clip.bytes = 123456;
+    clip.wholeBytes = 123456;
     clip.width = 352;
     clip.height = 257;
     clip.durationSeconds = 4;
@@ -25,7 +25,7 @@ TEST(InfoTable, HasALineForEachObject)
     EXPECT_EQ(viewer::DescribeObjects(report),
               "NAME      TYPE        PLUG-IN     BYTES     SIZE  SECONDS  STATE\n"
               "clip.mpg  video/mpeg  VornMovie  123456  352x257     4.00  ok\n"
-              "\u00E4.txt     -           -               0        -        -  error -50\n");
+              "\u00E4.txt     -           -               -        -        -  error -50\n");
 }
 
 TEST(InfoTable, CountsTheParagraphs)

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 namespace
 {
 
@@ -195,7 +197,7 @@ TEST(Options, TheHelpTextNamesEveryOption)
     for (const char* name :
          {"--headless", "--size", "--type", "--flags", "--arrive", "--play", "--at", "--snapshot",
           "--wav", "--until", "--click", "--key", "--report", "--plugins", "--list-plugins",
-          "--version", "-h, --help"}) {
+          "--info", "--version", "-h, --help"}) {
         EXPECT_THAT(viewer::HelpText(), HasSubstr(name));
     }
 }
@@ -219,6 +221,23 @@ TEST(Options, ADragOfNoObjectIsRefused)
     }
     EXPECT_THAT(Complaint({"--drag", "2:a"}), HasSubstr("--drag: there is no object 2"));
     EXPECT_THAT(Complaint({"--drag-image", "a.png"}), HasSubstr("--drag-image: there must be"));
+}
+
+// Of 80 columns and 24 lines, with the prompt under it.
+TEST(Options, TheHelpTextFitsOnAScreen)
+{
+    std::istringstream lines(viewer::HelpText());
+    int count = 0;
+    for (std::string line; std::getline(lines, line); ++count) {
+        EXPECT_LT(line.size(), 80u) << line;
+    }
+    EXPECT_LT(count, 24);
+}
+
+TEST(Options, InfoNeedsAnObject)
+{
+    EXPECT_TRUE(Parse({"--info", "a"}).info);
+    EXPECT_THROW(Parse({"--info"}), UsageError);
 }
 
 } // namespace
