@@ -249,7 +249,7 @@ const char* HelpText()
 {
     return R"(Usage: vornview [OPTION...] OBJECT...
 Shows a page of objects: files, folders, e-mails and web archives (.eml,
-.mhtml), http and https URLs, - for standard input. F1 in the window shows its keys.
+.mhtml), http and https URLs, - for standard input. F1 shows a window's keys.
   --info, --list-plugins  tell about the objects; what the plug-ins accept
   --headless              no window; the page is drawn on a clock of its own
   --size WxH              the page's size (800x600)
