@@ -15,6 +15,8 @@ namespace
 {
 
 constexpr UInt8 kBackground = 0xFF;
+// Around an object that is shown alone.
+constexpr UInt8 kDarkness = 0x18;
 constexpr UInt8 kPlaceholderFrame = 0xC0;
 constexpr SInt32 kBytesPerPixel = 4;
 // New rows of images are drawn 30 times a second.
@@ -169,7 +171,7 @@ std::vector<Rect> Page::PlaceObjects()
         const auto found = std::find_if(objects_.begin(), objects_.end(), [&](const auto& each) {
             return each.get() == shape_.alone;
         });
-        rects[static_cast<size_t>(found - objects_.begin())] = {0, 0, shape_.height, shape_.width};
+        rects[static_cast<size_t>(found - objects_.begin())] = PlaceAlone(**found);
         return rects;
     }
     std::vector<AreaSize> areas;
@@ -183,6 +185,20 @@ std::vector<Rect> Page::PlaceObjects()
         contentHeight_ = static_cast<SInt16>(std::clamp<int>(end, contentHeight_, INT16_MAX));
     }
     return rects;
+}
+
+// As large as the window lets it be, in proportion, in its middle.
+Rect Page::PlaceAlone(const EmbeddedObject& object) const
+{
+    AreaSize size = object.NaturalSize();
+    if (!object.IsSoundOnly()) {
+        size = Zoomed(size, std::min(static_cast<double>(shape_.width) / size.width,
+                                     static_cast<double>(shape_.height) / size.height));
+    }
+    const int left = (shape_.width - size.width) / 2;
+    const int top = (shape_.height - size.height) / 2;
+    return {static_cast<SInt16>(top), static_cast<SInt16>(left),
+            static_cast<SInt16>(top + size.height), static_cast<SInt16>(left + size.width)};
 }
 
 // Without memory for more the port stays as it is, and what lies below it cannot be seen.
@@ -230,6 +246,11 @@ void Page::Reshape(const Shape& shape)
         object->SetArea({});
         object->SetEnlarged(shape.zoom > 1 || shape.alone == object.get());
     }
+}
+
+void Page::Wipe(const Rect& rect)
+{
+    Fill(rect, shape_.alone == nullptr ? style_.background : kDarkness);
 }
 
 UInt8* Page::PixelsToDraw(const Rect& changed, SInt32& rowBytes)

@@ -79,7 +79,7 @@ public:
     // For what the page shows besides its objects: the port's pixels, of which that part counts as
     // changed.
     UInt8* PixelsToDraw(const Rect& changed, SInt32& rowBytes);
-    void Wipe(const Rect& rect) { Fill(rect, style_.background); }
+    void Wipe(const Rect& rect);
     // The object at a place of the page, null for none.
     EmbeddedObject* ObjectAt(Point place) const;
     // Offers an event to an object; true if it took it.
@@ -90,6 +90,7 @@ public:
 private:
     void LayOut();
     std::vector<Rect> PlaceObjects();
+    Rect PlaceAlone(const EmbeddedObject& object) const;
     void FitPort();
     Rect Surroundings(const Rect& area) const;
     void MoveObject(EmbeddedObject& object, const Rect& area);

@@ -68,11 +68,11 @@ void Captions::Update(const EmbeddedObject* focus)
     }
 }
 
-Captions::Caption Captions::Describe(EmbeddedObject& object, const EmbeddedObject* focus) const
+Captions::Caption Captions::Describe(EmbeddedObject& object, const EmbeddedObject* focus)
 {
     Caption caption;
     caption.name = object.Name() == "-" ? "standard input" : object.FileName();
-    caption.details = DescribeState(object);
+    caption.details = Join(DescribeState(object), WidthFor(object.Area()));
     caption.problem = object.Problem();
     caption.isFocused = &object == focus;
     caption.isPlaceholder = !object.HasDimensions();
@@ -80,6 +80,26 @@ Captions::Caption Captions::Describe(EmbeddedObject& object, const EmbeddedObjec
         caption.arrived = PercentArrived(object).value_or(0);
     }
     return caption;
+}
+
+// As many of the last parts as there is room for, at least one.
+std::string Captions::Join(const std::vector<std::string>& parts, int width)
+{
+    constexpr const char* kSeparator = " \u00B7 ";
+    std::string text = parts.back();
+    for (auto part = parts.rbegin() + 1; part != parts.rend(); ++part) {
+        const std::string longer = *part + kSeparator + text;
+        if (text_.WidthOf(longer, kDetailsHeight) > width) {
+            break;
+        }
+        text = longer;
+    }
+    return text;
+}
+
+int Captions::WidthFor(const Rect& area) const
+{
+    return std::max<int>(area.right - area.left, page_.Style().leastWidth);
 }
 
 void Captions::Draw(const Caption& caption, const Rect& area)
@@ -94,7 +114,7 @@ void Captions::Draw(const Caption& caption, const Rect& area)
 void Captions::DrawText(const Caption& caption, const Rect& area)
 {
     const PageStyle& style = page_.Style();
-    const int width = std::max<int>(area.right - area.left, style.leastWidth);
+    const int width = WidthFor(area);
     const Rect place = {static_cast<SInt16>(area.bottom + kFocusDistance + kFocusWidth), area.left,
                         static_cast<SInt16>(area.bottom + style.captionHeight),
                         static_cast<SInt16>(area.left + width)};

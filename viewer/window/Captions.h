@@ -35,7 +35,9 @@ private:
         bool isPlaceholder = false;
         bool operator==(const Caption&) const = default;
     };
-    Caption Describe(EmbeddedObject& object, const EmbeddedObject* focus) const;
+    Caption Describe(EmbeddedObject& object, const EmbeddedObject* focus);
+    std::string Join(const std::vector<std::string>& parts, int width);
+    int WidthFor(const Rect& area) const;
     void Draw(const Caption& caption, const Rect& area);
     void DrawText(const Caption& caption, const Rect& area);
     void DrawFocus(const Caption& caption, const Rect& area);

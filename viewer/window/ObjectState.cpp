@@ -10,7 +10,6 @@ namespace viewer
 namespace
 {
 
-constexpr const char* kSeparator = " \u00B7 ";
 constexpr SInt64 kKilobyte = 1000;
 constexpr SInt64 kMegabyte = 1000 * kKilobyte;
 
@@ -74,19 +73,20 @@ std::optional<int> PercentArrived(EmbeddedObject& object)
     return static_cast<int>(std::clamp<SInt64>(percent, 0, 100));
 }
 
-std::string DescribeState(EmbeddedObject& object)
+std::vector<std::string> DescribeState(EmbeddedObject& object)
 {
-    std::string text = DescribeDoing(object);
-    if (object.HasDimensions() && !object.IsSoundOnly()) {
-        text = DescribeDimensions(object) + kSeparator + text;
+    std::vector<std::string> parts;
+    if (!object.MimeType().empty()) {
+        parts.push_back(object.MimeType());
     }
     if (object.HasBytes() && object.Bytes().EstimatedBytes() > 0) {
-        text = DescribeSize(object.Bytes().EstimatedBytes()) + kSeparator + text;
+        parts.push_back(DescribeSize(object.Bytes().EstimatedBytes()));
     }
-    if (!object.MimeType().empty()) {
-        text = object.MimeType() + kSeparator + text;
+    if (object.HasDimensions() && !object.IsSoundOnly()) {
+        parts.push_back(DescribeDimensions(object));
     }
-    return text;
+    parts.push_back(DescribeDoing(object));
+    return parts;
 }
 
 } // namespace viewer

@@ -5,13 +5,15 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace viewer
 {
 
-// What a caption says of an object: type, size, state; for example
-// "video/mpeg · 352 × 240 · 1.2 MB · playing".
-std::string DescribeState(EmbeddedObject& object);
+// What a caption says of an object: type, bytes, size, state; for example "video/mpeg", "1.2 MB",
+// "352 × 240", "playing".
+// The parts in that order; what a narrow caption has no room for goes from the front.
+std::vector<std::string> DescribeState(EmbeddedObject& object);
 // How much of it has been taken in, of a hundred; none where its length is not known.
 std::optional<int> PercentArrived(EmbeddedObject& object);
 // "14 bytes", "3 KB", "1.2 MB".

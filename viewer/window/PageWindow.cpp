@@ -4,6 +4,7 @@
 #include "viewer/Rects.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace viewer
@@ -24,10 +25,11 @@ SInt16 ToCoordinate(SInt32 value)
 // From x, R, G, B in memory to the number 0xRRGGBB, which is what a surface of 32 bits holds.
 void CopyRow(const UInt8* from, Uint32* to, SInt32 count)
 {
+    constexpr bool isLittleEndian = std::endian::native == std::endian::little;
     for (SInt32 i = 0; i < count; ++i) {
         Uint32 pixel = 0;
         std::memcpy(&pixel, from + ptrdiff_t{i} * kBytesPerPixel, sizeof pixel);
-        to[i] = SDL_SwapBE32(pixel);
+        to[i] = isLittleEndian ? __builtin_bswap32(pixel) : pixel;
     }
 }
 

@@ -53,7 +53,7 @@ void SoundDevice::PlayStream(void* self, void* stream, const SInt16* frames, SIn
     if (!device.OpenDevice()) {
         return;
     }
-    device.restsAt_.reset();
+    device.silentSince_.reset();
     const std::lock_guard<std::mutex> lock(device.mutex_);
     static_cast<SoundStream*>(stream)->Add(frames, count, atMicroseconds);
 }
@@ -94,6 +94,8 @@ void SoundDevice::CloseDevice()
     if (device_ != 0) {
         SDL_CloseAudioDevice(device_);
         device_ = 0;
+        nextTime_.reset();
+        silentSince_.reset();
     }
 }
 
@@ -148,15 +150,14 @@ void SoundDevice::Tend(WindowClock& clock)
         Lead(clock, *reading);
     }
     if (!isSilent) {
-        restsAt_.reset();
-        return;
-    }
-    if (!restsAt_) {
-        restsAt_ = now + kRestAfter;
+        silentSince_.reset();
+    } else if (!silentSince_) {
+        silentSince_ = now;
         clock.Correct(0, now);
-    } else if (now >= *restsAt_) {
+    }
+    nextTime_ = silentSince_.value_or(now) + kRestAfter;
+    if (now >= *nextTime_) {
         CloseDevice();
-        restsAt_.reset();
     }
 }
 

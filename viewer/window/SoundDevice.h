@@ -30,7 +30,7 @@ public:
     // called after each round of work.
     void Tend(WindowClock& clock);
     // When Tend has something to do though nothing else happens, by the real clock.
-    std::optional<SInt64> NextTime() const { return restsAt_; }
+    std::optional<SInt64> NextTime() const { return nextTime_; }
     bool IsOpen() const { return device_ != 0; }
 
 private:
@@ -62,9 +62,10 @@ private:
     SDL_AudioDeviceID device_ = 0;
     bool hasFailed_ = false;
     std::vector<SInt32> sums_;
-    std::optional<SInt64> restsAt_;
-    Reading base_;   // since when …
-    SInt64 lag_ = 0; // … the sound has been this far behind the clock
+    std::optional<SInt64> nextTime_;    // none while no device is open
+    std::optional<SInt64> silentSince_; // as far as Tend has seen
+    Reading base_;                      // since when …
+    SInt64 lag_ = 0;                    // … the sound has been this far behind the clock
 };
 
 } // namespace viewer

@@ -12,10 +12,13 @@ namespace
 {
 
 constexpr SInt64 kMicrosecondsPerMillisecond = 1000;
-// A thread may take one turn to get to where its next one shows.
 constexpr int kQuietRoundsAtRest = 2;
 // The toolbox may need several turns for something to show; after so many it can wait a little.
 constexpr int kMostQuietRounds = 50;
+// The longest stretch of work without a look at what the user does.
+constexpr SInt64 kLongestWork = 8000;
+// Captions tell of progress, which nobody reads faster than this.
+constexpr SInt64 kCaptionInterval = 100'000;
 // How long a wait inside a bundle may take, in milliseconds.
 constexpr int kShortWait = 5;
 
@@ -64,7 +67,7 @@ PageReport WindowRun::Run()
     work_.ThePage().DrawChanges();
     while (true) {
         HandleEvents();
-        DoRound();
+        DoRounds();
         Show();
         snapshots_.TakeDue(work_.ThePage().Port(), clock_.Now());
         if (IsOver()) {
@@ -83,10 +86,13 @@ PageReport WindowRun::Run()
 void WindowRun::HandleEvents()
 {
     SDL_Event event;
-    while (SDL_PollEvent(&event) != 0) {
+    while (mayHaveEvents_ && SDL_PollEvent(&event) != 0) {
         input_.Handle(event);
         quietRounds_ = 0;
+        captionsAreStale_ = true;
+        captionsDue_ = 0;
     }
+    mayHaveEvents_ = true;
     HandleWish();
     if (work_.User().SendDue(clock_.Now())) {
         quietRounds_ = 0;
@@ -103,22 +109,48 @@ void WindowRun::HandleWish()
     }
 }
 
-void WindowRun::DoRound()
+// As long as anything moves, but not so long that the user would feel it.
+void WindowRun::DoRounds()
 {
     work_.ThePage().SetView(window_.View());
-    const PageWork::Mark before = work_.Look();
-    work_.DoRound();
-    quietRounds_ = work_.Look() == before ? quietRounds_ + 1 : 0;
+    const SInt64 end = clock_.Now() + kLongestWork;
+    do {
+        DoRound();
+    } while (!IsAtRest() && clock_.Now() < end);
     if (sound_ != nullptr) {
         sound_->Tend(clock_);
     }
+}
+
+void WindowRun::DoRound()
+{
+    PageWork::Mark before = work_.Look();
+    work_.DoRound();
+    const PageWork::Mark after = work_.Look();
+    before.soundFrames = after.soundFrames; // sound comes with every microsecond that passes
+    quietRounds_ = after == before ? quietRounds_ + 1 : 0;
+    captionsAreStale_ = captionsAreStale_ || quietRounds_ == 0;
+}
+
+// While objects are decoded, a thread may take one turn to get to where its next one shows.
+bool WindowRun::IsAtRest() const
+{
+    if (PageWork::IsToolboxBusy()) {
+        return quietRounds_ >= kMostQuietRounds;
+    }
+    return work_.IsLoaded() || quietRounds_ >= kQuietRoundsAtRest;
 }
 
 void WindowRun::Show()
 {
     Page& page = work_.ThePage();
     window_.SetContentHeight(page.ContentHeight());
-    captions_.Update(input_.Focus());
+    const SInt64 now = clock_.Now();
+    if (captionsAreStale_ && now >= captionsDue_) {
+        captions_.Update(input_.Focus());
+        captionsAreStale_ = false;
+        captionsDue_ = now + kCaptionInterval;
+    }
     window_.Present(page.Port(), page.TakeChanges());
 }
 
@@ -130,19 +162,19 @@ bool WindowRun::IsOver() const
 
 void WindowRun::Sleep()
 {
-    const int enough = PageWork::IsToolboxBusy() ? kMostQuietRounds : kQuietRoundsAtRest;
-    if (quietRounds_ < enough) {
+    if (!IsAtRest()) {
         return;
     }
     watch_.Watch(work_.AwaitedStreams());
     const SInt64 next = NextInstant();
     if (next == INT64_MAX) {
-        SDL_WaitEvent(nullptr);
+        mayHaveEvents_ = SDL_WaitEvent(nullptr) != 0;
         return;
     }
     const SInt64 wait = next - clock_.Now() + kMicrosecondsPerMillisecond - 1;
     const SInt64 milliseconds = wait / kMicrosecondsPerMillisecond;
-    SDL_WaitEventTimeout(nullptr, static_cast<int>(std::clamp<SInt64>(milliseconds, 1, INT32_MAX)));
+    const auto timeout = static_cast<int>(std::clamp<SInt64>(milliseconds, 1, INT32_MAX));
+    mayHaveEvents_ = SDL_WaitEventTimeout(nullptr, timeout) != 0;
 }
 
 // By the page's clock; the highest number for none.
@@ -159,6 +191,9 @@ SInt64 WindowRun::NextInstant() const
     consider(work_.ThePage().NextTime());
     consider(const_cast<PageWork&>(work_).User().NextTime());
     consider(snapshots_.NextTime());
+    if (captionsAreStale_) {
+        consider(captionsDue_);
+    }
     consider(work_.Starter().NextDeadline());
     if (sound_ != nullptr && sound_->NextTime()) {
         consider(now + std::max<SInt64>(0, *sound_->NextTime() - WindowClock::RealNow()));

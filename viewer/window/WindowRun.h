@@ -34,7 +34,9 @@ public:
 private:
     void HandleEvents();
     void HandleWish();
+    void DoRounds();
     void DoRound();
+    bool IsAtRest() const;
     void Show();
     bool IsOver() const;
     void Sleep();
@@ -52,7 +54,10 @@ private:
     PageInput input_;
     PictureSaver saver_;
     Snapshots snapshots_;
+    bool mayHaveEvents_ = true; // false right after a wait in vain
     int quietRounds_ = 0;
+    bool captionsAreStale_ = true;
+    SInt64 captionsDue_ = 0;
 };
 
 } // namespace viewer

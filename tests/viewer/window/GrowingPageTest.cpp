@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+//
+// A page as a window shows it.
+#include "viewer/Page.h"
+
+#include "tests/viewer/FakePlugins.h"
+#include "tests/viewer/TestFiles.h"
+#include "toolbox/threads/Threads.h"
+#include "viewer/PageClock.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using viewer::EmbeddedObject;
+using viewer::ObjectBytes;
+using viewer::Page;
+
+class NoTime : public viewer::HostTime
+{
+public:
+    void LetTimePass() override {}
+};
+
+class GrowingPageTest : public testing::Test
+{
+protected:
+    GrowingPageTest() { page.SetStyle({10, 8, 30, 0, 0xF4}); }
+    ~GrowingPageTest() override { page.FreeObjects(); }
+
+    EmbeddedObject& Add(const std::string& name)
+    {
+        const std::string path = folder.Write(name, Pattern(1000));
+        auto bytes =
+            std::make_unique<ObjectBytes>(viewer::OpenSource(path), viewer::ArrivalPace(), time);
+        return page.Add(std::make_unique<EmbeddedObject>(
+            viewer::ObjectDescription{name, name, viewer::ObjectType{"video/x-fake"}, 0x1F},
+            std::move(bytes)));
+    }
+    EmbeddedObject& AddShown(const std::string& name)
+    {
+        EmbeddedObject& object = Add(name);
+        object.Start(*plugins.Folder().Bundles()[0]);
+        for (int i = 0; i < 10; ++i) {
+            YieldToAnyThread();
+            page.IdleObjects();
+            page.DrawChanges();
+        }
+        return object;
+    }
+    Rect PortBounds() const
+    {
+        Rect bounds{};
+        return *GetPortBounds(page.Port(), &bounds);
+    }
+    int GreyAt(int v, int h) const
+    {
+        SInt32 rowBytes = 0;
+        const UInt8* pixels = GetPortPixels(page.Port(), &rowBytes);
+        return pixels[v * rowBytes + h * 4 + 1];
+    }
+
+    TestFolder folder;
+    NoTime time;
+    viewer::PageClock clock;
+    FakePlugins plugins;
+    Page page{300, 200};
+};
+
+TEST_F(GrowingPageTest, LeavesAMarginAndRoomForACaption)
+{
+    Add("a");
+    Add("b");
+    page.DrawChanges();
+    EXPECT_EQ(page.Objects()[0]->Area().left, 10);
+    EXPECT_EQ(page.Objects()[0]->Area().top, 10);
+    EXPECT_EQ(page.Objects()[1]->Area().top, 10 + 120 + 30 + 8);
+}
+
+TEST_F(GrowingPageTest, ThePortIsAsHighAsThePage)
+{
+    Add("a");
+    Add("b");
+    page.DrawChanges();
+    EXPECT_EQ(page.ContentHeight(), 10 + 120 + 30 + 8 + 120 + 30 + 10);
+    EXPECT_EQ(PortBounds().bottom, page.ContentHeight());
+    EXPECT_EQ(GreyAt(page.ContentHeight() - 1, 0), 0xF4);
+}
+
+TEST_F(GrowingPageTest, ThePortIsAtLeastAsHighAsTheWindow)
+{
+    Add("a");
+    page.DrawChanges();
+    EXPECT_EQ(PortBounds().bottom, 200);
+}
+
+TEST_F(GrowingPageTest, ObjectsKeepThePortWhenItGrows)
+{
+    const CGrafPtr port = page.Port();
+    for (const char* name : {"a", "b", "c", "d"}) {
+        Add(name);
+    }
+    page.DrawChanges();
+    EXPECT_EQ(page.Port(), port);
+}
+
+TEST_F(GrowingPageTest, AWiderWindowPutsObjectsSideBySide)
+{
+    Add("a");
+    Add("b");
+    page.DrawChanges();
+    page.Reshape({400, 200});
+    page.DrawChanges();
+    EXPECT_EQ(page.Objects()[1]->Area().top, 10);
+    EXPECT_EQ(PortBounds().right, 400);
+}
+
+TEST_F(GrowingPageTest, ZoomEnlargesAnObject)
+{
+    const EmbeddedObject& object = AddShown("a");
+    const int before = object.Area().right - object.Area().left;
+    page.Reshape({300, 200, 2.0});
+    page.DrawChanges();
+    EXPECT_EQ(object.Area().right - object.Area().left, 2 * before);
+}
+
+TEST_F(GrowingPageTest, EveryObjectIsDisplayedAgainAfterAChangeOfShape)
+{
+    AddShown("a");
+    const int before = plugins.Count("display a");
+    page.Reshape({320, 200});
+    page.DrawChanges();
+    EXPECT_GT(plugins.Count("display a"), before);
+}
+
+TEST_F(GrowingPageTest, AnObjectAloneFillsTheWindowInProportion)
+{
+    AddShown("a");
+    EmbeddedObject& object = AddShown("b");
+    const viewer::AreaSize natural = object.NaturalSize();
+    page.Reshape({static_cast<SInt16>(natural.width * 3), static_cast<SInt16>(natural.height * 4),
+                  1.0, &object});
+    page.DrawChanges();
+    EXPECT_EQ(object.Area().right - object.Area().left, natural.width * 3);
+    EXPECT_EQ(object.Area().bottom - object.Area().top, natural.height * 3);
+    EXPECT_EQ(object.Area().top, (natural.height * 4 - natural.height * 3) / 2);
+    EXPECT_EQ(page.Objects()[0]->Area().right, 0);
+}
+
+TEST_F(GrowingPageTest, WhatIsDrawnBesidesObjectsCountsAsChanged)
+{
+    page.DrawChanges();
+    page.TakeChanges();
+    SInt32 rowBytes = 0;
+    page.PixelsToDraw({50, 60, 70, 80}, rowBytes);
+    const std::vector<Rect> changes = page.TakeChanges();
+    ASSERT_EQ(changes.size(), 1U);
+    EXPECT_EQ(changes[0].top, 50);
+    EXPECT_EQ(changes[0].right, 80);
+}
+
+} // namespace
