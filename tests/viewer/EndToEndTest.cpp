@@ -173,7 +173,7 @@ TEST(CommandLine, WithoutHeadlessThePageRunsAndTheMissingWindowIsTold)
 {
     const ViewerResult result = RunVornview({Clip("tiny.mpg")}, "/tmp");
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.err, HasSubstr("this build has no window"));
+    EXPECT_THAT(result.err, HasSubstr("the page runs without one"));
     EXPECT_EQ(RunVornview({"--headless", Clip("tiny.mpg")}, "/tmp").err, "");
 }
 

@@ -33,6 +33,8 @@ void SendTo(const std::string& path, int descriptor)
         std::signal(number, SIG_DFL); // a script in the background has it ignored
     }
     setenv("TMPDIR", temporary.c_str(), 1);
+    unsetenv("DISPLAY"); // whoever runs the tests wants no window
+    unsetenv("WAYLAND_DISPLAY");
     SendTo(output.Path("out"), STDOUT_FILENO);
     SendTo(output.Path("err"), STDERR_FILENO);
     execv(VORNVIEW, pointers.data());

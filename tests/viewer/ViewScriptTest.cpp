@@ -36,10 +36,11 @@ protected:
                          "[ -d \"$top/build/view\" ] && " + (writes ? write : "true\n") + "exit " +
                          std::to_string(status));
     }
-    int View(const std::string& arguments)
+    int View(const std::string& arguments, const std::string& display = "")
     {
-        const std::string command =
-            top.Path("scripts/view") + " " + arguments + " 2> " + top.Path("told");
+        const std::string command = "WAYLAND_DISPLAY= DISPLAY=" + display + " " +
+                                    top.Path("scripts/view") + " " + arguments + " 2> " +
+                                    top.Path("told");
         const int status = std::system(command.c_str());
         told = top.Read("told");
         called = top.Read("called");
@@ -65,6 +66,19 @@ TEST_F(ViewScript, WithoutArgumentsPlaysTheSampleIntoFiles)
     EXPECT_THAT(told, HasSubstr("into these files"));
     EXPECT_THAT(told, HasSubstr("page.png"));
     EXPECT_THAT(told, Not(HasSubstr("sound.wav"))); // this viewer wrote none
+}
+
+TEST_F(ViewScript, WithADisplayTheSampleIsPlayedInAWindow)
+{
+    EXPECT_EQ(View("", ":1"), 0);
+    EXPECT_EQ(called, "--play " + top.Path("build/samples/mpeg1.mpg") + "\n");
+    EXPECT_EQ(told, "");
+}
+
+TEST_F(ViewScript, WithADisplayObjectsAreShownInAWindow)
+{
+    View("--size 640x480 clip.mpg", ":1");
+    EXPECT_EQ(called, "--play --size 640x480 clip.mpg\n");
 }
 
 TEST_F(ViewScript, OptionsThatDoNotSayWhereToSeeThePageGoAlong)

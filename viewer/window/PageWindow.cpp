@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <string_view>
 
 namespace viewer
 {
@@ -33,6 +34,14 @@ void CopyRow(const UInt8* from, Uint32* to, SInt32 count)
     }
 }
 
+// Where there is no display SDL draws unseen, which is of use to nobody who did not ask for it.
+bool IsSeen(const char* driver)
+{
+    const std::string_view name = driver;
+    return SDL_getenv("SDL_VIDEODRIVER") != nullptr || name == "x11" || name == "wayland" ||
+           name == "KMSDRM";
+}
+
 Uint32* PixelOf(const SDL_Surface& surface, SInt32 x, SInt32 y)
 {
     return reinterpret_cast<Uint32*>(static_cast<UInt8*>(surface.pixels) +
@@ -52,6 +61,10 @@ PageWindow::PageWindow(const std::string& title, SInt16 width, SInt16 height)
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         throw NoDisplay(SDL_GetError());
+    }
+    if (!IsSeen(SDL_GetCurrentVideoDriver())) {
+        SDL_QuitSubSystem(SDL_INIT_VIDEO);
+        throw NoDisplay("no display could be opened");
     }
     SDL_StopTextInput();
     SDL_EnableScreenSaver();
