@@ -3,6 +3,7 @@
 #include "toolbox/Errors.h"
 #include "toolbox/probe/Probe.h"
 #include "toolbox/quickdraw/Drawing.h"
+#include "toolbox/quickdraw/PortRegistry.h"
 #include "toolbox/threads/Threads.h"
 
 #include <gtest/gtest.h>
@@ -81,6 +82,37 @@ struct OwnedRegion {
 TEST_F(QuickDraw, ANewPortIsWhite)
 {
     EXPECT_EQ(CountPixelsOtherThanWhite(), 0);
+}
+
+TEST_F(QuickDraw, AResizedPortKeepsWhatStillFitsAndIsWhiteBeside)
+{
+    toolbox::PaintRect(*port, {0, 0, 40, 50}, kSomeColor, nullptr);
+    TakeDirtyRegion(port.get(), nullptr);
+    const Rect larger = {7, 8, 7 + 60, 8 + 30};
+    EXPECT_EQ(ResizeWindowPort(port.get(), &larger), noErr);
+    Rect bounds;
+    EXPECT_EQ(*GetPortBounds(port.get(), &bounds), (Rect{0, 0, 60, 30}));
+    EXPECT_EQ(PixelAt(39, 29), (std::array<UInt8, 4>{0, 0x12, 0x34, 0x56}));
+    EXPECT_EQ(PixelAt(40, 29), (std::array<UInt8, 4>{255, 255, 255, 255}));
+    const OwnedRegion dirty;
+    EXPECT_TRUE(TakeDirtyRegion(port.get(), dirty.handle));
+    EXPECT_EQ(dirty.TheRect(), (Rect{0, 0, 60, 30}));
+}
+
+TEST_F(QuickDraw, CopiesFindAResizedPortByItsNewPixels)
+{
+    const Rect larger = {0, 0, 60, 70};
+    EXPECT_EQ(ResizeWindowPort(port.get(), &larger), noErr);
+    SInt32 rowBytes = 0;
+    EXPECT_EQ(toolbox::FindPortOfPixels(GetPortPixels(port.get(), &rowBytes)), port.get());
+}
+
+TEST_F(QuickDraw, APortThatCannotBeResizedStaysAsItWas)
+{
+    const Rect empty = {0, 0, 0, 10};
+    EXPECT_EQ(ResizeWindowPort(port.get(), &empty), paramErr);
+    Rect bounds;
+    EXPECT_EQ(*GetPortBounds(port.get(), &bounds), (Rect{0, 0, 40, 50}));
 }
 
 TEST_F(QuickDraw, RowsStartAtMultiplesOf64Bytes)

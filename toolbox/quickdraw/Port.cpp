@@ -90,15 +90,15 @@ OSErr ResizeWindowPort(CGrafPtr port, const Rect* bounds)
         return err;
     }
     CopyCommonPixels(*port, other);
-    toolbox::UnregisterPort(*port);
-    toolbox::UnregisterPort(other);
     std::swap(port->bounds, other.bounds);
     std::swap(port->rowBytes, other.rowBytes);
     std::swap(port->pixMap.map, other.pixMap.map);
     port->pixels.Swap(other.pixels);
     port->placeOnScreen = {bounds->top, bounds->left};
     port->dirty.Add(port->bounds);
-    return toolbox::RegisterPort(*port) ? noErr : memFullErr;
+    toolbox::RegisterPort(*port); // there is an entry for these pixels: it cannot fail
+    toolbox::UnregisterPort(other);
+    return noErr;
 }
 
 void DisposeWindowPort(CGrafPtr port)
