@@ -71,9 +71,24 @@ OSErr JpegReader::Failure() const
 
 void JpegReader::Decode()
 {
-    while (!isComplete_)
-        DecodeNextBlock();
-    CheckOutcome();
+    try {
+        while (!isComplete_)
+            DecodeNextBlock();
+    } catch (OSErr) {
+        // What the scans before it brought is shown, however fast they came.
+        if (decoder_.buffered_image && decoder_.input_scan_number > 1)
+            Guarded([this] {
+                if (isInPass_)
+                    EndPass();
+                BeginPass(decoder_.input_scan_number - 1);
+                ReadRows();
+            });
+        throw;
+    }
+    // Where nothing but the end mark of a plain scan is missing the image is whole.
+    const bool needsEndMark = decoder_.buffered_image || decoder_.arith_code;
+    if (errors_.isDamaged || (source_.WasTooShort() && needsEndMark))
+        throw Failure();
 }
 
 void JpegReader::DecodeNextBlock()
@@ -91,14 +106,6 @@ void JpegReader::DecodeNextBlock()
         Guarded([this] {
             isComplete_ = decoder_.buffered_image ? DecodeScans() : ReadRows() && Finish();
         });
-}
-
-void JpegReader::CheckOutcome() const
-{
-    // Where nothing but the end mark of a plain scan is missing the image is whole.
-    const bool needsEndMark = decoder_.buffered_image || decoder_.arith_code;
-    if (errors_.isDamaged || (source_.WasTooShort() && needsEndMark))
-        throw Failure();
 }
 
 void JpegReader::ReadHeader()
@@ -129,16 +136,13 @@ void JpegReader::BeginFrame()
                isGray ? StillFrame::NewGrayRamp() : nullptr);
 }
 
-// What the library keeps of an image in several scans.
+// What the library keeps of an image in several scans, but for the blocks that fill up its edges.
 UInt64 JpegReader::CoefficientBytes() const
 {
     UInt64 blocks = 0;
     for (int i = 0; i < decoder_.num_components; ++i) {
         const jpeg_component_info& component = decoder_.comp_info[i];
-        const auto across = static_cast<UInt64>(component.h_samp_factor);
-        const auto down = static_cast<UInt64>(component.v_samp_factor);
-        blocks += (component.width_in_blocks + across - 1) / across * across *
-                  ((component.height_in_blocks + down - 1) / down * down);
+        blocks += UInt64{component.width_in_blocks} * component.height_in_blocks;
     }
     return blocks * sizeof(JBLOCK);
 }

@@ -40,7 +40,6 @@ private:
     template <class Step>
     void Guarded(Step step);
     OSErr Failure() const;
-    void CheckOutcome() const;
     void DecodeNextBlock();
     void ReadHeader();
     void BeginFrame();

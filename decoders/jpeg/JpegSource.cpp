@@ -3,13 +3,6 @@
 
 #include <algorithm>
 
-namespace
-{
-
-constexpr UInt8 kEndMark[] = {0xFF, JPEG_EOI};
-
-} // namespace
-
 JpegSource::JpegSource(jpeg_decompress_struct& decoder) : decoder_(decoder)
 {
     manager_.init_source = [](j_decompress_ptr) {};
@@ -39,6 +32,7 @@ boolean JpegSource::Fill(j_decompress_ptr decoder)
 
 void JpegSource::GiveEndMark()
 {
+    static constexpr UInt8 kEndMark[] = {0xFF, JPEG_EOI};
     if (!wasTooShort_ && decoder_.input_scan_number <= 1) {
         const auto rowHeight = static_cast<JDIMENSION>(decoder_.max_v_samp_factor * DCTSIZE);
         rowsBeforeEnd_ = (decoder_.input_iMCU_row + 1) * rowHeight;

@@ -69,6 +69,23 @@ TEST(JpegDamage, ShowsAllOfATruncatedProgressiveImageAsFarAsItsScansCame)
     EXPECT_EQ(image.Display(kSide, kSide), ReadJpeg(part));
 }
 
+TEST(JpegDamage, ShowsTheScansBeforeOneThatCannotBeReadHoweverTheyArrive)
+{
+    JpegSpec spec = Square();
+    spec.isProgressive = true;
+    Bytes file = WriteJpeg(spec);
+    const size_t scan = FindMarker(file, 0xDA, 4);
+    Bytes before(file.begin(), file.begin() + static_cast<ptrdiff_t>(scan));
+    before.insert(before.end(), {0xFF, 0xD9});
+    file[scan + 4] = 9; // components
+    for (const SInt32 piece : {100000, 4096, 500}) {
+        HostedImage image(Bundle(), file);
+        image.host.arrivals.assign(file.size() / static_cast<size_t>(piece) + 1, piece);
+        EXPECT_EQ(image.Decode(), kVornErrRenderFailed);
+        EXPECT_EQ(image.Display(kSide, kSide), ReadJpeg(before)) << piece << " bytes at a time";
+    }
+}
+
 TEST(JpegDamage, DoesNotMindThatOnlyTheEndMarkIsMissing)
 {
     Bytes file = WriteJpeg(Square());
