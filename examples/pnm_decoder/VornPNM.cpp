@@ -1,27 +1,21 @@
 // SPDX-License-Identifier: MIT
 //
 // Shows binary PGM and PPM images: the decoder that docs/writing-a-decoder.md goes through.
-#include "decoders/common/DeclaredTypes.h"
-#include "decoders/common/FirstBytes.h"
+#include "decoders/common/DecoderPlugin.h"
 #include "decoders/common/FrameBudget.h"
 #include "decoders/common/StillFrame.h"
 #include "src/datasource/ReadingFunctions.h"
-#include "src/image/VornImagePlugin.h"
 #include "src/plugin/MakeNewPlugin.h"
 
 #include <algorithm>
 #include <vector>
 
-struct VornPNMPlugin : VornImagePlugin {
-    using VornImagePlugin::VornImagePlugin;
+struct PnmReader {
+    static constexpr UInt8 kSignatures[][3] = {{'P', '6', '\n'}};
 
-    Boolean CanHandleData(const char* mimeTypeText, const char* name) override
-    {
-        static constexpr UInt8 kStart[] = {'P', '6', '\n'};
-        return IsDeclared(*this, mimeTypeText, name) || BeginsWith(*this, kStart);
-    }
+    explicit PnmReader(VornPlugin& ownImage) : image(ownImage) {}
 
-    void Render() override
+    void Decode()
     {
         const UInt8 kind = NextByte() == 'P' ? NextByte() : UInt8{0};
         const SInt16 width = NextNumber();
@@ -31,7 +25,7 @@ struct VornPNMPlugin : VornImagePlugin {
             throw OSErr{kVornErrRenderFailed};
         const UInt16 depth = kind == '6' ? 32 : 8;
         FrameBudget().Take(width, height, depth);
-        StillFrame frame(*this);
+        StillFrame frame(image);
         frame.Add(width, height, depth, depth == 8 ? StillFrame::NewGrayRamp() : nullptr);
         PixelWriteState& pixels = frame.Pixels();
         // With one more, for RGBSampleTo32bitGWorld looks at the byte behind its samples.
@@ -52,7 +46,7 @@ struct VornPNMPlugin : VornImagePlugin {
     {
         UInt8 byte = 0;
         SInt32 count = 1;
-        ReadAvailableBytes(this, &count, &byte, true);
+        ReadAvailableBytes(&image, &count, &byte, true);
         if (count != 1)
             throw OSErr{kDataNotAvailableErr};
         return byte;
@@ -71,9 +65,11 @@ struct VornPNMPlugin : VornImagePlugin {
             throw OSErr{kVornErrRenderFailed};
         return static_cast<SInt16>(number);
     }
+
+    VornPlugin& image;
 };
 
 VornPlugin* MakeNewPlugin(CFBundleRef bundle)
 {
-    return new VornPNMPlugin(bundle);
+    return new DecoderPlugin<PnmReader>(bundle);
 }
