@@ -16,28 +16,84 @@ SInt16 ToCoordinate(SInt32 value)
     return static_cast<SInt16>(std::clamp<SInt32>(value, INT16_MIN, INT16_MAX));
 }
 
+// Puts one thing behind the other.
+class Rows
+{
+public:
+    Rows(SInt16 pageWidth, const PageStyle& style)
+        : pageWidth_(pageWidth), style_(style), left_(style.margin), top_(style.margin)
+    {
+    }
+
+    Rect PlaceObject(const AreaSize& area)
+    {
+        const SInt32 width = std::max(area.width, style_.leastWidth);
+        if (left_ > style_.margin && left_ + width > pageWidth_ - style_.margin) {
+            EndRow();
+        }
+        if (isBehindParagraph_) {
+            GoDown(style_.gap);
+            isBehindParagraph_ = false;
+        }
+        const Rect rect = {ToCoordinate(top_), ToCoordinate(left_),
+                           ToCoordinate(top_ + area.height), ToCoordinate(left_ + area.width)};
+        left_ += width + style_.gap;
+        rowHeight_ = std::max<SInt32>(rowHeight_, area.height);
+        return rect;
+    }
+
+    Rect PlaceParagraph(SInt32 height)
+    {
+        if (left_ > style_.margin) {
+            EndRow();
+        }
+        if (isBehindParagraph_) {
+            GoDown(style_.paragraphGap);
+        }
+        const SInt32 top = top_;
+        GoDown(height);
+        isBehindParagraph_ = true;
+        const SInt32 right = std::max<SInt32>(pageWidth_ - style_.margin, style_.margin);
+        return {ToCoordinate(top), style_.margin, ToCoordinate(top_), ToCoordinate(right)};
+    }
+
+private:
+    void EndRow()
+    {
+        left_ = style_.margin;
+        GoDown(rowHeight_ + style_.captionHeight + style_.gap);
+        rowHeight_ = 0;
+    }
+
+    void GoDown(SInt32 by) { top_ = std::min(top_ + by, SInt32{INT16_MAX}); }
+
+    SInt16 pageWidth_;
+    const PageStyle& style_;
+    SInt32 left_;
+    SInt32 top_;
+    SInt32 rowHeight_ = 0;
+    bool isBehindParagraph_ = false;
+};
+
 } // namespace
 
-std::vector<Rect> LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth,
-                             const PageStyle& style)
+PagePlaces LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth, const PageStyle& style,
+                      const std::vector<ParagraphSpace>& paragraphs)
 {
-    std::vector<Rect> rects;
-    SInt32 left = style.margin;
-    SInt32 top = style.margin;
-    SInt32 rowHeight = 0;
-    for (const AreaSize& area : areas) {
-        const SInt32 width = std::max(area.width, style.leastWidth);
-        if (left > style.margin && left + width > pageWidth - style.margin) {
-            left = style.margin;
-            top = std::min<SInt32>(top + rowHeight + style.captionHeight + style.gap, INT16_MAX);
-            rowHeight = 0;
+    Rows rows(pageWidth, style);
+    PagePlaces places;
+    auto paragraph = paragraphs.begin();
+    const auto placeParagraphs = [&] {
+        while (paragraph != paragraphs.end() && paragraph->objectsBefore <= places.objects.size()) {
+            places.paragraphs.push_back(rows.PlaceParagraph(paragraph++->height));
         }
-        rects.push_back({ToCoordinate(top), ToCoordinate(left), ToCoordinate(top + area.height),
-                         ToCoordinate(left + area.width)});
-        left += width + style.gap;
-        rowHeight = std::max<SInt32>(rowHeight, area.height);
+    };
+    for (const AreaSize& area : areas) {
+        placeParagraphs();
+        places.objects.push_back(rows.PlaceObject(area));
     }
-    return rects;
+    placeParagraphs();
+    return places;
 }
 
 AreaSize AreaForPicture(AreaSize natural, UInt32 displayFlags, SInt16 pageWidth)

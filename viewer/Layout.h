@@ -24,19 +24,34 @@ inline constexpr SInt16 kControllerBarHeight = 16;
 inline constexpr SInt16 kControllerSpareRows = 1;
 inline constexpr SInt16 kControllerRows = kControllerBarHeight + kControllerSpareRows;
 
-// What a page leaves free around its objects, and its colour.
+// What a page leaves free around what stands on it, and its colour.
 struct PageStyle {
     SInt16 margin = 0; // at the page's edges
     SInt16 gap = kObjectGap;
     SInt16 captionHeight = 0; // below each object
     SInt16 leastWidth = 0;    // of an object with its caption
     UInt8 background = 0xFF;  // a grey
+    SInt16 paragraphGap = 0;  // between paragraphs
+};
+
+// A paragraph's room: all of the page's width.
+struct ParagraphSpace {
+    size_t objectsBefore = 0; // how many of the page's objects stand before it
+    SInt32 height = 0;
+};
+
+// In the order in which they were given.
+struct PagePlaces {
+    std::vector<Rect> objects;
+    std::vector<Rect> paragraphs;
 };
 
 // Puts areas in rows from left to right, each row as high as its highest area, starting a new row
-// where the page's width is used up. What would lie beyond the last coordinate is cut off there.
-std::vector<Rect> LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth,
-                             const PageStyle& style = {});
+// where the page's width is used up. A paragraph stands between two rows. What would lie beyond the
+// last coordinate is cut off there.
+PagePlaces LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth,
+                      const PageStyle& style = {},
+                      const std::vector<ParagraphSpace>& paragraphs = {});
 
 // The area that a picture of that size gets: its own size, or less if it is wider than the page
 // and its display flags let it shrink (kVornDisplayScale), then in proportion if they say so

@@ -148,13 +148,16 @@ void Page::ObserveObjects()
 // What moved is wiped out at its old place first, because something else may stand there now.
 void Page::LayOut()
 {
-    const std::vector<Rect> rects = PlaceObjects();
+    const auto [rects, textRects] = Place();
     FitPort();
     for (size_t i = 0; i < objects_.size(); ++i) {
         const Rect& area = objects_[i]->Area();
         if (!IsEmpty(area) && EqualRect(&area, &rects[i]) == 0) {
             Wipe(Surroundings(area));
         }
+    }
+    for (const Rect& area : texts_.Move(textRects)) {
+        Wipe(area);
     }
     for (size_t i = 0; i < objects_.size(); ++i) {
         MoveObject(*objects_[i], rects[i]);
@@ -163,28 +166,37 @@ void Page::LayOut()
     ++layouts_;
 }
 
-std::vector<Rect> Page::PlaceObjects()
+PagePlaces Page::Place()
 {
-    std::vector<Rect> rects(objects_.size());
+    PagePlaces places;
     contentHeight_ = 0;
     if (shape_.alone != nullptr) {
         const auto found = std::find_if(objects_.begin(), objects_.end(), [&](const auto& each) {
             return each.get() == shape_.alone;
         });
-        rects[static_cast<size_t>(found - objects_.begin())] = PlaceAlone(**found);
-        return rects;
+        places.objects.resize(objects_.size());
+        places.objects[static_cast<size_t>(found - objects_.begin())] = PlaceAlone(**found);
+        return places;
     }
     std::vector<AreaSize> areas;
     const auto inner = static_cast<SInt16>(std::max(1, width_ - 2 * style_.margin));
     for (const auto& object : objects_) {
         areas.push_back(object->WantedArea(inner, shape_.zoom));
     }
-    rects = LayOutRows(areas, width_, style_);
-    for (const Rect& rect : rects) {
-        const int end = rect.bottom + style_.captionHeight + style_.margin;
-        contentHeight_ = static_cast<SInt16>(std::clamp<int>(end, contentHeight_, INT16_MAX));
+    PageStyle style = style_;
+    style.paragraphGap = Zoomed({style.paragraphGap, 0}, shape_.zoom).width;
+    places = LayOutRows(areas, width_, style, texts_.Spaces(inner, shape_.zoom));
+    const auto holdUpTo = [this](int end) {
+        contentHeight_ =
+            static_cast<SInt16>(std::clamp<int>(end + style_.margin, contentHeight_, INT16_MAX));
+    };
+    for (const Rect& rect : places.objects) {
+        holdUpTo(rect.bottom + style_.captionHeight);
     }
-    return rects;
+    for (const Rect& rect : places.paragraphs) {
+        holdUpTo(rect.bottom);
+    }
+    return places;
 }
 
 // As large as the window lets it be, in proportion, in its middle.
@@ -242,6 +254,7 @@ void Page::Reshape(const Shape& shape)
     laidOut_ = false;
     Rect bounds{};
     Wipe(*GetPortBounds(port_, &bounds));
+    texts_.Forget();
     for (const auto& object : objects_) {
         object->SetArea({});
         object->SetEnlarged(shape.zoom > 1 || shape.alone == object.get());

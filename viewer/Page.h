@@ -5,7 +5,7 @@
 
 #include "viewer/EmbeddedObject.h"
 #include "viewer/PageChanges.h"
-#include "viewer/TextBlock.h"
+#include "viewer/PageTexts.h"
 
 #include <memory>
 #include <vector>
@@ -27,9 +27,9 @@ public:
 
     EmbeddedObject& Add(std::unique_ptr<EmbeddedObject> object);
     const std::vector<std::unique_ptr<EmbeddedObject>>& Objects() const { return objects_; }
-    void AddText(TextBlock text) { texts_.push_back(std::move(text)); }
-    // In reading order.
-    const std::vector<TextBlock>& Texts() const { return texts_; }
+    // What stands above, between and below the objects.
+    PageTexts& Texts() { return texts_; }
+    const PageTexts& Texts() const { return texts_; }
     CGrafPtr Port() const { return port_; }
 
     // The part of the page that can be seen; all of it if nobody says so. Images elsewhere stand
@@ -56,7 +56,7 @@ public:
     };
     Below LookBelow() const;
     SInt16 Width() const { return width_; }
-    // Where the last object with its caption and margin ends.
+    // Where the last paragraph, or the last object with its caption, ends with its margin.
     SInt16 ContentHeight() const { return contentHeight_; }
 
     // For a page that is shown in a window: what is left free, and a port that grows with the
@@ -89,7 +89,7 @@ public:
 
 private:
     void LayOut();
-    std::vector<Rect> PlaceObjects();
+    PagePlaces Place();
     Rect PlaceAlone(const EmbeddedObject& object) const;
     void FitPort();
     Rect Surroundings(const Rect& area) const;
@@ -108,7 +108,7 @@ private:
     CGrafPtr port_ = nullptr;
     RgnHandle clip_ = nullptr;
     std::vector<std::unique_ptr<EmbeddedObject>> objects_;
-    std::vector<TextBlock> texts_;
+    PageTexts texts_;
     bool laidOut_ = false;
     PageStyle style_;
     bool grows_ = false;

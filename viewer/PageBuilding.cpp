@@ -82,7 +82,7 @@ private:
             if (auto* const medium = std::get_if<MimeMedium>(&item)) {
                 AddObject(Describe(request, *medium, ++number), std::move(medium->source));
             } else {
-                page_.AddText({std::get<std::string>(item), page_.Objects().size()});
+                page_.Texts().Add({std::get<std::string>(item), page_.Objects().size()});
             }
         }
         for (const std::string& message : document.messages) {

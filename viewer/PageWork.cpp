@@ -114,7 +114,7 @@ PageReport PageWork::MakeReport() const
     for (const auto& object : page_.Objects()) {
         report.objects.push_back(object->Report());
     }
-    for (const TextBlock& block : page_.Texts()) {
+    for (const TextBlock& block : page_.Texts().Blocks()) {
         report.text.push_back(block.text);
     }
     report.seconds = static_cast<double>(ToolboxMicroseconds()) / 1e6;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
 // The program on e-mails, web archives and folders.
+#include "tests/viewer/Base64.h"
 #include "tests/viewer/EndToEnd.h"
 
 #include <gmock/gmock.h>
 
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 
@@ -16,23 +16,6 @@ using testing::HasSubstr;
 
 // A picture of one black pixel.
 const std::string kGif("GIF89a\1\0\1\0\x80\0\0\0\0\0\xFF\xFF\xFF,\0\0\0\0\1\0\1\0\0\2\2D\1\0;", 35);
-
-std::string Base64(const std::string& bytes)
-{
-    const char* const digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string text;
-    for (size_t i = 0; i < bytes.size(); i += 3) {
-        uint32_t group = 0;
-        for (size_t j = 0; j < 3; ++j) {
-            group = group << 8 | (i + j < bytes.size() ? static_cast<uint8_t>(bytes[i + j]) : 0);
-        }
-        for (size_t j = 0; j < 4; ++j) {
-            text += i + j > bytes.size() ? '=' : digits[group >> (18 - 6 * j) & 63];
-        }
-        text += i % 57 == 54 ? "\r\n" : "";
-    }
-    return text + "\r\n";
-}
 
 // As browsers save pages.
 class WebArchive

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/window/Captions.h"
 
-#include "viewer/Rects.h"
 #include "viewer/window/ObjectState.h"
+#include "viewer/window/PageCanvas.h"
 
 #include <algorithm>
 
@@ -46,6 +46,7 @@ PageStyle Captions::Style()
     style.captionHeight = 40;
     style.leastWidth = 176;
     style.background = 0xF4;
+    style.paragraphGap = 10;
     return style;
 }
 
@@ -119,7 +120,7 @@ void Captions::DrawText(const Caption& caption, const Rect& area)
                         static_cast<SInt16>(area.bottom + style.captionHeight),
                         static_cast<SInt16>(area.left + width)};
     page_.Wipe(place);
-    Canvas canvas = CanvasFor(place);
+    Canvas canvas = CanvasOn(page_, place);
     text_.Write(canvas, area.left, area.bottom + kNameBaseline,
                 text_.Shortened(caption.name, kNameHeight, width), kNameHeight, kNameInk);
     text_.Write(canvas, area.left, area.bottom + kDetailsBaseline,
@@ -131,13 +132,13 @@ void Captions::DrawFocus(const Caption& caption, const Rect& area)
 {
     const Rect frame = Outset(area, kFocusDistance);
     const UInt8 grey = page_.Style().background;
-    CanvasFor(frame).Frame(frame, kFocusWidth,
-                           caption.isFocused ? kFocusInk : Ink{grey, grey, grey});
+    CanvasOn(page_, frame)
+        .Frame(frame, kFocusWidth, caption.isFocused ? kFocusInk : Ink{grey, grey, grey});
 }
 
 void Captions::DrawInside(const Caption& caption, const Rect& area)
 {
-    Canvas canvas = CanvasFor(area);
+    Canvas canvas = CanvasOn(page_, area);
     canvas.Fill(area, kPaper);
     canvas.Frame(area, 1, kPaperEdge);
     if (caption.arrived >= 0) {
@@ -165,15 +166,6 @@ void Captions::DrawProblem(const Caption& caption, const Rect& area, Canvas& can
         text_.Write(canvas, left, v, line, kDetailsHeight, kProblemInk);
         v += kLineHeight;
     }
-}
-
-Canvas Captions::CanvasFor(const Rect& changed)
-{
-    Canvas canvas;
-    canvas.pixels = page_.PixelsToDraw(changed, canvas.rowBytes);
-    Rect bounds{};
-    canvas.clip = Intersection(changed, *GetPortBounds(page_.Port(), &bounds));
-    return canvas;
 }
 
 } // namespace viewer

@@ -43,7 +43,6 @@ private:
     void DrawFocus(const Caption& caption, const Rect& area);
     void DrawInside(const Caption& caption, const Rect& area);
     void DrawProblem(const Caption& caption, const Rect& area, Canvas& canvas);
-    Canvas CanvasFor(const Rect& changed);
 
     Page& page_;
     TextPainter text_;

@@ -106,18 +106,33 @@ std::vector<std::string> TextPainter::Wrapped(std::string_view text, int height,
 {
     std::vector<std::string> lines;
     while (!text.empty()) {
-        size_t end = text.size();
-        while (WidthOf(text.substr(0, end), height) > width) {
-            const size_t space = text.rfind(' ', end - 1);
-            if (space == std::string_view::npos || space == 0) {
-                break;
-            }
-            end = space;
-        }
-        lines.push_back(Shortened(text.substr(0, end), height, width));
-        text.remove_prefix(std::min(end + 1, text.size()));
+        std::string_view rest = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(rest.size() + 1, text.size()));
+        do {
+            const size_t length = LineLength(rest, height, width);
+            lines.emplace_back(rest.substr(0, length));
+            rest.remove_prefix(std::min(rest.find_first_not_of(' ', length), rest.size()));
+        } while (!rest.empty());
     }
     return lines;
+}
+
+// How many bytes of the text fit into a line, at least one character.
+size_t TextPainter::LineLength(std::string_view text, int height, SInt32 width)
+{
+    size_t afterWord = 0;
+    std::string_view rest = text;
+    for (SInt32 used = 0; HasFont() && !rest.empty();) {
+        const size_t at = text.size() - rest.size();
+        if (text[at] == ' ' && at > 0 && text[at - 1] != ' ') {
+            afterWord = at;
+        }
+        used += GlyphOf(TakeCharacter(rest), height).advance;
+        if (used > width && at > 0) {
+            return afterWord > 0 ? afterWord : at;
+        }
+    }
+    return text.size();
 }
 
 void TextPainter::Write(Canvas& canvas, SInt32 h, SInt32 v, std::string_view text, int height,

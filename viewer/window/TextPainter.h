@@ -32,7 +32,8 @@ public:
     SInt32 WidthOf(std::string_view text, int height);
     // Cuts the text's end off, with an ellipsis, if it is too wide.
     std::string Shortened(std::string_view text, int height, SInt32 width);
-    // In lines no wider than that, broken at spaces where there are any.
+    // In lines no wider than that: broken at line feeds and spaces, and within a word only if it is
+    // too wide for a line of its own.
     std::vector<std::string> Wrapped(std::string_view text, int height, SInt32 width);
     // `v` is the base line.
     void Write(Canvas& canvas, SInt32 h, SInt32 v, std::string_view text, int height, Ink ink);
@@ -46,6 +47,7 @@ private:
         SInt32 advance = 0;
         std::vector<UInt8> coverage;
     };
+    size_t LineLength(std::string_view text, int height, SInt32 width);
     void OpenFont(const std::string& fontFile);
     const Glyph& GlyphOf(UInt32 character, int height);
     Glyph Render(UInt32 character, int height);

@@ -45,8 +45,9 @@ WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
     : options_(options), window_(TitleOf(options), options.width, options.height),
       wakeEvent_(SDL_RegisterEvents(1)), watch_(wakeEvent_),
       sound_(options.wavPath.empty() ? std::make_unique<SoundDevice>() : nullptr),
-      work_(options, plugins, *this), captions_(work_.ThePage()), input_(work_.ThePage(), window_),
-      saver_(work_.ThePage(), options.picturesFolder), snapshots_(options.snapshots)
+      work_(options, plugins, *this), captions_(work_.ThePage()), paragraphs_(work_.ThePage()),
+      input_(work_.ThePage(), window_), saver_(work_.ThePage(), options.picturesFolder),
+      snapshots_(options.snapshots)
 {
     Page& page = work_.ThePage();
     page.SetStyle(Captions::Style());
@@ -145,6 +146,7 @@ void WindowRun::Show()
 {
     Page& page = work_.ThePage();
     window_.SetContentHeight(page.ContentHeight());
+    paragraphs_.Update();
     const SInt64 now = clock_.Now();
     if (captionsAreStale_ && now >= captionsDue_) {
         captions_.Update(input_.Focus());

@@ -7,6 +7,7 @@
 #include "viewer/Snapshots.h"
 #include "viewer/window/Captions.h"
 #include "viewer/window/PageInput.h"
+#include "viewer/window/Paragraphs.h"
 #include "viewer/window/PictureSaver.h"
 #include "viewer/window/SoundDevice.h"
 #include "viewer/window/StreamWatch.h"
@@ -51,6 +52,7 @@ private:
     std::unique_ptr<SoundDevice> sound_; // none if the page's sound goes to a file
     PageWork work_;
     Captions captions_;
+    Paragraphs paragraphs_;
     PageInput input_;
     PictureSaver saver_;
     Snapshots snapshots_;

@@ -41,13 +41,17 @@ protected:
     EmbeddedObject& AddShown(const std::string& name)
     {
         EmbeddedObject& object = Add(name);
+        Run(object);
+        return object;
+    }
+    void Run(EmbeddedObject& object)
+    {
         object.Start(*plugins.Folder().Bundles()[0]);
         for (int i = 0; i < 10; ++i) {
             YieldToAnyThread();
             page.IdleObjects();
             page.DrawChanges();
         }
-        return object;
     }
     Rect PortBounds() const
     {
@@ -123,6 +127,38 @@ TEST_F(GrowingPageTest, ZoomEnlargesAnObject)
     page.Reshape({300, 200, 2.0});
     page.DrawChanges();
     EXPECT_EQ(object.Area().right - object.Area().left, 2 * before);
+}
+
+TEST_F(GrowingPageTest, AParagraphMovesWithTheObjectAboveItAndLeavesNothingBehind)
+{
+    page.Texts().SetMeasure([](size_t, SInt16, double) { return 20; });
+    Add("a");
+    page.Texts().Add({"below", 1});
+    page.DrawChanges();
+    const Rect before = page.Texts().Area(0);
+    page.Texts().TakeMoved();
+    SInt32 rowBytes = 0;
+    page.PixelsToDraw(before, rowBytes)[(before.bottom - 1) * rowBytes + 250 * 4 + 1] = 0;
+    EmbeddedObject& object = *page.Objects()[0];
+    Run(object);
+    ASSERT_NE(object.Area().bottom, 10 + 120);
+    EXPECT_EQ(page.Texts().Area(0).top, object.Area().bottom + 30 + 8);
+    EXPECT_EQ(page.Texts().TakeMoved(), std::vector<size_t>{0});
+    EXPECT_EQ(GreyAt(before.bottom - 1, 250), 0xF4);
+}
+
+TEST_F(GrowingPageTest, AnObjectAloneHasNoParagraphsBesideIt)
+{
+    page.Texts().SetMeasure([](size_t, SInt16, double) { return 20; });
+    page.Texts().Add({"above", 0});
+    EmbeddedObject& object = AddShown("a");
+    page.Reshape({300, 200, 1.0, &object});
+    page.DrawChanges();
+    EXPECT_EQ(page.Texts().Area(0).right, 0);
+    page.Reshape({300, 200});
+    page.DrawChanges();
+    EXPECT_EQ(page.Texts().Area(0).top, 10);
+    EXPECT_EQ(object.Area().top, 10 + 20 + 8);
 }
 
 TEST_F(GrowingPageTest, EveryObjectIsDisplayedAgainAfterAChangeOfShape)

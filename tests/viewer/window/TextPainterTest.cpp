@@ -67,11 +67,42 @@ TEST_F(TextPainterTest, LinesAreBrokenAtSpaces)
     EXPECT_EQ(joined, "there is no movie in it");
 }
 
-TEST_F(TextPainterTest, AWordThatIsTooLongForALineIsCutOff)
+TEST_F(TextPainterTest, ALineHoldsAsManyWordsAsFit)
 {
-    const std::vector<std::string> lines = text.Wrapped("Donaudampfschifffahrt", kHeight, 40);
-    ASSERT_EQ(lines.size(), 1U);
-    EXPECT_LE(text.WidthOf(lines[0], kHeight), 40);
+    const SInt32 width = text.WidthOf("there is no", kHeight);
+    EXPECT_EQ(text.Wrapped("there is no movie", kHeight, width),
+              (std::vector<std::string>{"there is no", "movie"}));
+    EXPECT_EQ(text.Wrapped("there is no movie", kHeight, width - 1),
+              (std::vector<std::string>{"there is", "no movie"}));
+}
+
+TEST_F(TextPainterTest, ALineEndsWhereItsAuthorEndedIt)
+{
+    EXPECT_EQ(text.Wrapped("a\n\n  b", kHeight, 200), (std::vector<std::string>{"a", "", "  b"}));
+}
+
+TEST_F(TextPainterTest, BlanksAtABreakAreDropped)
+{
+    const SInt32 width = text.WidthOf("movie", kHeight);
+    EXPECT_EQ(text.Wrapped("movie    movie   ", kHeight, width),
+              (std::vector<std::string>{"movie", "movie"}));
+}
+
+TEST_F(TextPainterTest, AWordThatIsTooLongForALineIsBrokenBetweenCharacters)
+{
+    const std::string word = "Gl\u00FCcksw\u00FCrfelspielger\u00E4t";
+    std::string joined;
+    for (const std::string& line : text.Wrapped(word, kHeight, 40)) {
+        EXPECT_LE(text.WidthOf(line, kHeight), 40);
+        EXPECT_NE(static_cast<UInt8>(line[0]) & 0xC0, 0x80);
+        joined += line;
+    }
+    EXPECT_EQ(joined, word);
+}
+
+TEST_F(TextPainterTest, ACharacterThatIsTooWideForALineHasOneOfItsOwn)
+{
+    EXPECT_EQ(text.Wrapped("WW", kHeight, 1), (std::vector<std::string>{"W", "W"}));
 }
 
 TEST_F(TextPainterTest, WritesAboveItsBaseLine)

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "viewer/PageTexts.h"
+
+#include "toolbox/quickdraw/QuickDraw.h"
+#include "viewer/Rects.h"
+
+#include <utility>
+
+namespace viewer
+{
+
+std::vector<ParagraphSpace> PageTexts::Spaces(SInt16 width, double zoom) const
+{
+    std::vector<ParagraphSpace> spaces;
+    for (size_t i = 0; measure_ && i < blocks_.size(); ++i) {
+        spaces.push_back({blocks_[i].objectsBefore, measure_(i, width, zoom)});
+    }
+    return spaces;
+}
+
+std::vector<Rect> PageTexts::Move(const std::vector<Rect>& areas)
+{
+    std::vector<Rect> left;
+    places_.resize(blocks_.size());
+    for (size_t i = 0; i < places_.size(); ++i) {
+        const Rect area = i < areas.size() ? areas[i] : Rect{};
+        Place& place = places_[i];
+        if (EqualRect(&place.area, &area) != 0) {
+            continue;
+        }
+        if (!IsEmpty(place.area)) {
+            left.push_back(place.area);
+        }
+        place = {area, !IsEmpty(area)};
+    }
+    return left;
+}
+
+void PageTexts::Forget()
+{
+    places_.assign(blocks_.size(), {});
+}
+
+std::vector<size_t> PageTexts::TakeMoved()
+{
+    std::vector<size_t> moved;
+    for (size_t i = 0; i < places_.size(); ++i) {
+        if (std::exchange(places_[i].hasMoved, false)) {
+            moved.push_back(i);
+        }
+    }
+    return moved;
+}
+
+} // namespace viewer
