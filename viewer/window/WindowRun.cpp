@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/window/WindowRun.h"
 
+#include "viewer/ObjectDrag.h"
 #include "viewer/PageClock.h"
 #include "viewer/StopRequest.h"
 
@@ -77,6 +78,7 @@ PageReport WindowRun::Run()
         Sleep();
     }
     snapshots_.TakeLast(work_.ThePage().Port());
+    dragFailed_ = !options_.drag.path.empty() && !DragOut(work_.ThePage(), options_.drag);
     PageReport report = work_.MakeReport();
     work_.TellOutcome();
     work_.EndObjects();

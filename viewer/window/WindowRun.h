@@ -28,7 +28,8 @@ public:
     // Runs until the user closes the window (or Options::until), frees the objects, and tells what
     // happened.
     PageReport Run();
-    bool OutputFailed() const { return snapshots_.Failed(); }
+    // A snapshot or a drag failed; the user has been told.
+    bool OutputFailed() const { return snapshots_.Failed() || dragFailed_; }
 
     void LetTimePass() override;
 
@@ -56,6 +57,7 @@ private:
     PageInput input_;
     PictureSaver saver_;
     Snapshots snapshots_;
+    bool dragFailed_ = false;
     bool mayHaveEvents_ = true; // false right after a wait in vain
     int quietRounds_ = 0;
     bool captionsAreStale_ = true;

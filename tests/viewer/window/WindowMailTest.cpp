@@ -137,4 +137,26 @@ TEST_F(WindowMail, ItsTextGrowsAndScrollsWithThePage)
     }));
 }
 
+TEST_F(WindowMail, ItsPictureCanBeDraggedOutWhenThePageEnds)
+{
+    constexpr size_t kHeader = 512; // in front of a picture in a file
+    const HiddenScreen screen;
+    RunningWindow window(
+        screen, {"--drag", folder.Path("shed.pict"), folder.Write("shed.eml", MakeMail())});
+    ASSERT_TRUE(window.WaitUntil([](const Screenshot& shot) { return PictureTop(shot) >= 0; }));
+    window.Do("key q");
+    EXPECT_EQ(window.WaitForEnd().status, 0);
+    EXPECT_GT(folder.Read("shed.pict").size(), kHeader);
+}
+
+TEST_F(WindowMail, ADragThatFailsMakesTheExitStatusOne)
+{
+    const HiddenScreen screen;
+    RunningWindow window(
+        screen, {"--drag", "/no/such/folder/shed.pict", folder.Write("shed.eml", MakeMail())});
+    ASSERT_TRUE(window.WaitUntil([](const Screenshot& shot) { return PictureTop(shot) >= 0; }));
+    window.Do("key q");
+    EXPECT_EQ(window.WaitForEnd().status, 1);
+}
+
 } // namespace
