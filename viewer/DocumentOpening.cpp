@@ -16,18 +16,19 @@ namespace
 
 constexpr SInt32 kBytesToLookAt = 8192;
 
-// Not open for what is no file, which the source tells of, or whose bytes come only once.
+// Not open for what is no file, which the source tells of, or whose bytes come only once: a FIFO
+// that was opened and closed again would cost its writer the reader.
 FileDescriptor OpenFile(const std::string& location)
 {
     if (location == "-" || IsHttpUrl(location)) {
         return FileDescriptor();
     }
-    FileDescriptor file(open(location.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {
     };
-    const bool isFile = file.IsOpen() && fstat(file.Get(), &status) == 0 &&
-                        S_ISREG(status.st_mode) && status.st_size < kObjectSizeLimit;
-    return isFile ? std::move(file) : FileDescriptor();
+    const bool isFile = stat(location.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+                        status.st_size < kObjectSizeLimit;
+    return isFile ? FileDescriptor(open(location.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC))
+                  : FileDescriptor();
 }
 
 bool LooksLikeDocument(const FileDescriptor& file, const std::string& location)
