@@ -38,7 +38,8 @@ void EmbeddedObject::LearnType(const PluginFolder& plugins)
     std::array<UInt8, kBytesForTypeCheck> start{};
     const SInt32 length = bytes_->Peek(start.data(), kBytesForTypeCheck);
     const std::string guess = GuessMimeType(start.data(), static_cast<size_t>(length));
-    const std::string type = guess.empty() ? bytes_->DeclaredType() : guess;
+    bytesTellType_ = !guess.empty();
+    const std::string type = bytesTellType_ ? guess : bytes_->DeclaredType();
     if (!type.empty()) {
         description_.type = plugins.TypeOf(description_.fileName, type);
     }
@@ -48,10 +49,11 @@ bool EmbeddedObject::IsAcceptedBy(const PluginBundle& bundle)
 {
     std::array<UInt8, kBytesForTypeCheck> start{};
     const SInt32 length = bytes_->Peek(start.data(), kBytesForTypeCheck);
+    // A wrong extension must not lead to another bundle than the one for what it is.
+    const char* const fileName = bytesTellType_ ? "" : description_.fileName.c_str();
     const BundleCall call(this);
     return bundle.Calls().canHandleData(bundle.Reference(), start.data(), length,
-                                        description_.type.mimeType.c_str(),
-                                        description_.fileName.c_str()) != 0;
+                                        description_.type.mimeType.c_str(), fileName) != 0;
 }
 
 void EmbeddedObject::Start(const PluginBundle& bundle)
@@ -369,8 +371,13 @@ std::string EmbeddedObject::Problem() const
     if (error == NothingInIt() && bytes_->IsEmpty()) {
         return "it is empty" + number;
     }
-    return bytes_->Failure().error == error ? bytes_->Failure().text + number
-                                            : DescribeError(error);
+    // An image only knows that its data ended: the source knows why.
+    if (const SourceFailure& failure = bytes_->Failure();
+        failure.error != noErr && (error == failure.error || error == kDataNotAvailableErr ||
+                                   error == kVornErrImageNoData || error == kVornErrImageFailed)) {
+        return failure.text + " (error " + std::to_string(failure.error) + ")";
+    }
+    return DescribeError(error);
 }
 
 void EmbeddedObject::TellOutcome()

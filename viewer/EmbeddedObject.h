@@ -137,6 +137,7 @@ private:
     FirstPicture Now() const;
 
     ObjectDescription description_;
+    bool bytesTellType_ = false;
     std::unique_ptr<ObjectBytes> bytes_;
     State state_ = State::kWaiting;
     PluginObject plugin_;

@@ -2,8 +2,8 @@
 #include "viewer/HeadlessRun.h"
 
 #include "viewer/Console.h"
-#include "viewer/StopRequest.h"
 #include "viewer/ObjectDrag.h"
+#include "viewer/StopRequest.h"
 
 #include <algorithm>
 #include <chrono>
@@ -154,6 +154,11 @@ void HeadlessRun::TellOutcome()
                               (below.objects == 1 ? " object lies" : " objects lie") +
                               " below the page; --size " + std::to_string(page.Width()) + "x" +
                               std::to_string(below.bottom) + " shows more");
+    }
+    if (const size_t texts = page.Texts().Blocks().size(); texts > 0 && !options_.info) {
+        Console::Tell("", std::to_string(texts) +
+                              (texts == 1 ? " paragraph of text is" : " paragraphs of text are") +
+                              " drawn in a window only");
     }
 }
 

@@ -30,6 +30,8 @@ int main(int argc, char** argv)
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         HandleUnlessIgnored(number);
     }
-    std::signal(SIGPIPE, SIG_IGN); // an output that nobody reads is told like any other failure
+    // An output that nobody reads, or that grows too large, is told like any other failure.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     return viewer::RunViewer(argc, argv);
 }

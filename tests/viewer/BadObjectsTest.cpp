@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <random>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -116,6 +117,31 @@ private:
     }
     std::thread thread_;
 };
+
+TEST_F(EndToEnd, AWrongExtensionDoesNoHarm)
+{
+    for (const char* const name : {"clip.jpg", "clip.png", "clip.gif", "clip.txt"}) {
+        const ViewerResult result = Run({Write(name, ReadFile(Clip("tiny.mpg")))});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(result.Object()["plugin"], "VornMovie") << name;
+    }
+}
+
+TEST_F(EndToEnd, AFileThatMayNotGrowIsToldLikeAFullDisk)
+{
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small = {1024, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const ViewerResult result =
+        RunVornview({"--headless", "--snapshot", viewer.Folder().Path("page.png"), "--size",
+                     "800x600", Clip("tiny.mpg")},
+                    viewer.Folder().Path(""));
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("page.png"));
+    EXPECT_THAT(result.err, HasSubstr("File too large"));
+}
 
 TEST_F(EndToEnd, AFifoThatStallsPlaysToItsEnd)
 {

@@ -116,6 +116,17 @@ TEST_F(OverHttp, AnAddressThatDoesNotExistIsTold)
     EXPECT_EQ(result.Object(1)["error"], 0);
 }
 
+TEST_F(OverHttp, AnImageThatDoesNotExistIsToldLikeAMovie)
+{
+    std::string url = Serve("tiny.mpg", 0, [](const PacedRequest&, PacedReply& reply) {
+        reply.status = "404 Not Found";
+    });
+    url.replace(url.size() - 3, 3, "png");
+    const ViewerResult result = Run({url});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("the server has nothing at this address"));
+}
+
 TEST_F(OverHttp, ARedirectionLeadsToTheObject)
 {
     const std::string url =
