@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/viewer/RunningViewer.h"
 
+#include "tests/viewer/SanitizerNote.h"
+
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
@@ -60,7 +62,7 @@ ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::s
     ViewerResult result;
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.out = output.Read("out");
-    result.err = output.Read("err");
+    result.err = WithoutSanitizerNote(output.Read("err"));
     return result;
 }
 
