@@ -99,8 +99,9 @@ int ShowPage(const Options& options, const PluginFolder& plugins)
     if (!options.wavPath.empty()) {
         sound = std::make_unique<SoundFile>(options.wavPath);
     }
-    const auto [report, outputFailed] = RunPage(options, plugins);
-    bool written = !outputFailed;
+    const Outcome outcome = RunPage(options, plugins);
+    const PageReport& report = outcome.report;
+    bool written = !outcome.outputFailed;
     if (sound != nullptr) {
         written = SucceedsOrTells([&] { sound->Finish(); }) && written;
     }
