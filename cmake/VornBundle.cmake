@@ -32,8 +32,9 @@ function(vorn_bundle name)
   # As objects, so that what a host or a decoder calls is there whether the sources call it or not.
   add_library(${name} MODULE ${ARG_SOURCES} $<TARGET_OBJECTS:vorn_framework>)
   target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} vorntoolbox)
+  # What a fuzzer's sanitizers need is in the program that loads the bundle.
   target_link_options(${name} PRIVATE LINKER:--version-script=${VORN_VERSION_SCRIPT}
-                      LINKER:-z,defs)
+                      $<$<NOT:$<BOOL:${VORN_FUZZ}>>:LINKER:-z,defs>)
   set_target_properties(${name} PROPERTIES
     PREFIX ""
     LIBRARY_OUTPUT_DIRECTORY ${contents}/Linux
