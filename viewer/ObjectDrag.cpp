@@ -180,6 +180,8 @@ bool TryToDrag(EmbeddedObject& object, CGrafPtr port, const DragRequest& request
     try {
         Drop(drag, request);
         succeeded = true;
+    } catch (const OutputFailure& problem) {
+        Console::Tell("", problem.what());
     } catch (const std::runtime_error& problem) {
         Console::Tell(object.Name(), problem.what());
     }

@@ -2,8 +2,10 @@
 #include "viewer/Options.h"
 
 #include "src/plugin/VornPluginABI.h"
+#include "viewer/ObjectLocation.h"
 #include "viewer/OptionValues.h"
 
+#include <algorithm>
 #include <getopt.h>
 
 namespace viewer
@@ -77,7 +79,8 @@ private:
     void TakePageOption(int code, const std::string& value);
     void TakeOutputOption(int code, const std::string& value);
     void TakeSnapshot(const std::string& path);
-    void TakeObject(const std::string& location);
+    void TakeObject(const std::string& name);
+    void CheckClicks() const;
     void CheckTogether() const;
 
     Options options_;
@@ -209,9 +212,28 @@ void Parser::TakeSnapshot(const std::string& path)
     snapshotTime_.reset();
 }
 
-void Parser::TakeObject(const std::string& location)
+void Parser::TakeObject(const std::string& name)
 {
+    const std::string location = LocateObject(name);
+    const auto isStandardInput = [](const ObjectRequest& object) { return object.location == "-"; };
+    if (location == "-" &&
+        std::any_of(options_.objects.begin(), options_.objects.end(), isStandardInput)) {
+        throw UsageError("standard input can be one object only");
+    }
     options_.objects.push_back({location, mimeType_, displayFlags_});
+}
+
+void Parser::CheckClicks() const
+{
+    for (const UserEvent& event : options_.events) {
+        if (event.kind == UserEvent::Kind::kClick &&
+            (event.where.h >= options_.width || event.where.v >= options_.height)) {
+            throw UsageError("--click: " + std::to_string(event.where.h) + "," +
+                             std::to_string(event.where.v) + " lies outside the page of " +
+                             std::to_string(options_.width) + "x" +
+                             std::to_string(options_.height));
+        }
+    }
 }
 
 void Parser::CheckTogether() const
@@ -230,6 +252,9 @@ void Parser::CheckTogether() const
     }
     if (options_.drag.object.value_or(1) > options_.objects.size()) {
         throw UsageError("--drag: there is no object " + std::to_string(*options_.drag.object));
+    }
+    if (options_.headless) {
+        CheckClicks(); // a window may grow and scroll
     }
     for (const SnapshotRequest& snapshot : options_.snapshots) {
         if (options_.until && snapshot.at && *snapshot.at > *options_.until) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/OutputCheck.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,21 +36,59 @@ void RefuseIfObject(const char* option, const std::string& path, const Options& 
     }
 }
 
-} // namespace
+struct Output {
+    const char* option;
+    std::string path;
+};
 
-void RefuseOutputsThatAreObjects(const Options& options)
+std::vector<Output> OutputsOf(const Options& options)
 {
+    std::vector<Output> outputs;
     for (const SnapshotRequest& snapshot : options.snapshots) {
-        RefuseIfObject("--snapshot", snapshot.path, options);
+        outputs.push_back({"--snapshot", snapshot.path});
     }
-    for (const auto& [option, path] :
-         {std::pair("--wav", options.wavPath), std::pair("--report", options.reportPath),
-          std::pair("--drag", options.drag.path),
-          std::pair("--drag-image", options.drag.imagePath)}) {
-        if (!path.empty()) {
-            RefuseIfObject(option, path, options);
+    for (const Output& output :
+         {Output{"--wav", options.wavPath}, Output{"--report", options.reportPath},
+          Output{"--drag", options.drag.path}, Output{"--drag-image", options.drag.imagePath}}) {
+        if (!output.path.empty()) {
+            outputs.push_back(output);
         }
     }
+    return outputs;
+}
+
+// Devices and pipes take any number of outputs, one after the other.
+bool IsOneFile(const Output& one, const Output& other)
+{
+    std::error_code ignored;
+    if (std::filesystem::is_other(one.path, ignored)) {
+        return false;
+    }
+    return std::filesystem::weakly_canonical(one.path, ignored) ==
+           std::filesystem::weakly_canonical(other.path, ignored);
+}
+
+void RefuseIfWrittenTwice(const std::vector<Output>& outputs)
+{
+    for (auto one = outputs.begin(); one != outputs.end(); ++one) {
+        const auto other =
+            std::find_if(outputs.begin(), one, [&](const Output& o) { return IsOneFile(o, *one); });
+        if (other != one) {
+            throw UsageError(std::string(one->option) + ": '" + one->path +
+                             "' is also written by " + other->option);
+        }
+    }
+}
+
+} // namespace
+
+void RefuseOutputsThatMeet(const Options& options)
+{
+    const std::vector<Output> outputs = OutputsOf(options);
+    for (const Output& output : outputs) {
+        RefuseIfObject(output.option, output.path, options);
+    }
+    RefuseIfWrittenTwice(outputs);
 }
 
 } // namespace viewer

@@ -6,7 +6,8 @@
 namespace viewer
 {
 
-// Throws UsageError if a file that is to be written is one of the objects.
-void RefuseOutputsThatAreObjects(const Options& options);
+// Throws UsageError if a file that is to be written is one of the objects, or is to be written by
+// two options.
+void RefuseOutputsThatMeet(const Options& options);
 
 } // namespace viewer

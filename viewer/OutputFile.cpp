@@ -5,7 +5,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,7 +50,8 @@ bool MayNotMakeFiles(int error)
 
 } // namespace
 
-OutputFile::OutputFile(const std::string& path, std::string what) : what_(std::move(what))
+OutputFile::OutputFile(const std::string& path, std::string what)
+    : path_(path), what_(std::move(what))
 {
     Open(path);
 }
@@ -135,8 +135,12 @@ void OutputFile::Commit()
 
 void OutputFile::Fail() const
 {
-    throw std::runtime_error(what_ +
-                             " could not be written: " + std::strerror(errno != 0 ? errno : EIO));
+    Fail(std::strerror(errno != 0 ? errno : EIO));
+}
+
+void OutputFile::Fail(const std::string& reason) const
+{
+    throw OutputFailure(path_ + ": " + what_ + " could not be written: " + reason);
 }
 
 } // namespace viewer

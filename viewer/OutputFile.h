@@ -5,16 +5,22 @@
 
 #include <cstdio>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <sys/types.h>
 
 namespace viewer
 {
 
+// "PATH: WHAT could not be written: REASON".
+class OutputFailure : public std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
 // A regular file is written under another name beside its place and put there at the end.
 // Anything else (a device, a pipe, "-" for standard output) is written as it comes, and nothing is
-// ever removed that was there before. Operations throw std::runtime_error: "WHAT could not be
-// written: REASON".
+// ever removed that was there before. Operations throw OutputFailure.
 class OutputFile
 {
 public:
@@ -35,6 +41,7 @@ public:
     void Commit();
     // Throws what errno tells of.
     [[noreturn]] void Fail() const;
+    [[noreturn]] void Fail(const std::string& reason) const;
 
 private:
     struct CloseFile {
@@ -44,6 +51,7 @@ private:
     int OpenBeside(const std::string& path, mode_t mode);
     void Discard();
 
+    std::string path_;
     std::string what_;
     std::string target_;
     std::string temporary_; // empty: the target itself is being written

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <png.h>
-#include <stdexcept>
 #include <vector>
 
 namespace viewer
@@ -53,7 +52,7 @@ void WritePng(CGrafPtr port, const std::string& path, const std::string& what)
         if (errno != 0) {
             file.Fail();
         }
-        throw std::runtime_error(what + " could not be written: " + image.message);
+        file.Fail(image.message);
     }
     file.Commit();
 }

@@ -51,7 +51,7 @@ void Snapshots::Take(CGrafPtr port, const std::string& path)
         WritePng(port, path);
     } catch (const std::runtime_error& problem) {
         failed_ = true;
-        Console::Tell(path, problem.what());
+        Console::Tell("", problem.what());
     }
 }
 

@@ -72,14 +72,15 @@ void SoundFile::Close(void* file, void* stream)
 void SoundFile::Finish()
 {
     Guard([this] {
-        if (wav_ == nullptr) {
+        isEmpty_ = wav_ == nullptr;
+        if (isEmpty_) {
             wav_ = std::make_unique<WavWriter>(path_, kRateOfSilence, kChannelsOfSilence);
         }
         mixer_.Flush();
         wav_->Close();
     });
     if (!failure_.empty()) {
-        throw std::runtime_error(path_ + ": " + failure_);
+        throw std::runtime_error(failure_);
     }
 }
 

@@ -22,6 +22,8 @@ public:
     // Completes the file, an empty one if nothing sounded. Throws std::runtime_error with a text
     // for the user, also for what went wrong before.
     void Finish();
+    // Nothing has been played into it.
+    bool IsEmpty() const { return isEmpty_; }
 
 private:
     static void* Open(void* file, SInt32 sampleRate, SInt32 channels);
@@ -36,6 +38,7 @@ private:
     std::unique_ptr<WavWriter> wav_;
     SoundMixer mixer_;
     std::string failure_;
+    bool isEmpty_ = false;
 };
 
 } // namespace viewer

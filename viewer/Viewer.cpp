@@ -29,14 +29,10 @@ constexpr int kUsage = 2;
 
 void WriteReportFile(const PageReport& report, const std::string& path)
 {
-    try {
-        const std::string text = WriteReport(report);
-        OutputFile file(path, "the report");
-        file.Write(text.data(), text.size());
-        file.Commit();
-    } catch (const std::runtime_error& problem) {
-        throw std::runtime_error(path + ": " + problem.what());
-    }
+    const std::string text = WriteReport(report);
+    OutputFile file(path, "the report");
+    file.Write(text.data(), text.size());
+    file.Commit();
 }
 
 // One output that cannot be written does not cost the others.
@@ -59,6 +55,15 @@ void TellThereIsNoWindow(const Options& options, const std::string& why)
                         !options.reportPath.empty() || !options.drag.path.empty();
     Console::Tell("", why + ": the page runs without one" +
                           (isSeen ? "" : "; --snapshot, --wav and --report show what comes of it"));
+}
+
+void FinishSound(SoundFile& sound, const Options& options)
+{
+    sound.Finish();
+    if (sound.IsEmpty()) {
+        Console::Tell("", options.wavPath + ": nothing sounded" +
+                              (options.play ? "" : "; --play clicks the play buttons"));
+    }
 }
 
 struct Outcome {
@@ -103,7 +108,7 @@ int ShowPage(const Options& options, const PluginFolder& plugins)
     const PageReport& report = outcome.report;
     bool written = !outcome.outputFailed;
     if (sound != nullptr) {
-        written = SucceedsOrTells([&] { sound->Finish(); }) && written;
+        written = SucceedsOrTells([&] { FinishSound(*sound, options); }) && written;
     }
     if (!options.reportPath.empty()) {
         written = SucceedsOrTells([&] { WriteReportFile(report, options.reportPath); }) && written;
@@ -138,8 +143,11 @@ int Run(Options options)
         std::fputs(DescribePlugins(plugins).c_str(), stdout);
         return kSuccess;
     }
+    if (plugins.Bundles().empty()) {
+        throw std::runtime_error("there is no plug-in in '" + folder + "': nothing can be shown");
+    }
     ExpandFolders(options, plugins);
-    RefuseOutputsThatAreObjects(options);
+    RefuseOutputsThatMeet(options);
     RequireTemporaryPlace();
     AllowManyFiles();
     if (options.info) {

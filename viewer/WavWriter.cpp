@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/WavWriter.h"
 
-#include <stdexcept>
-
 namespace viewer
 {
 namespace
@@ -58,7 +56,7 @@ void WavWriter::WriteHeader(SInt64 dataBytes)
 void WavWriter::Write(const SInt16* samples, size_t count)
 {
     if (dataBytes_ + static_cast<SInt64>(count) * kBytesPerSample > kMostDataBytes) {
-        throw std::runtime_error("the sound could not be written: it is longer than a WAV file");
+        file_.Fail("it is longer than a WAV file");
     }
     std::vector<UInt8> bytes;
     bytes.reserve(count * kBytesPerSample);

@@ -108,6 +108,31 @@ TEST_F(EndToEnd, AReportThatCannotBeWrittenIsTold)
                                       "No such file or directory"));
 }
 
+TEST_F(EndToEnd, AFolderWithoutAPluginIsTold)
+{
+    const ViewerResult result = Run({"--plugins", viewer.Folder().Path("."), Clip("tiny.mpg")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("there is no plug-in in '"));
+}
+
+TEST_F(EndToEnd, ASoundFileOfNothingIsTold)
+{
+    const std::string wav = viewer.Folder().Path("a.wav");
+    const ViewerResult silent = Run({"--wav", wav, Clip("sound.mp3")});
+    EXPECT_THAT(silent.err, HasSubstr("a.wav: nothing sounded; --play clicks the play buttons"));
+    const ViewerResult played = Run({"--play", "--wav", wav, Clip("sound.mp3")});
+    EXPECT_EQ(played.err, "");
+}
+
+TEST_F(EndToEnd, AFileUrlIsItsFile)
+{
+    const std::string path = Write("a clip.mpg", ReadFile(Clip("tiny.mpg")));
+    const std::string url = "file://" + path.substr(0, path.rfind('/')) + "/a%20clip.mpg";
+    const ViewerResult result = Run({url});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.Object(0)["name"], path);
+}
+
 TEST_F(EndToEnd, StandardInputIsAnObject)
 {
     const std::string command = std::string("cat ") + Clip("mpeg1.mpg") + " | " + VORNVIEW +

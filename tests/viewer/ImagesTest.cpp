@@ -258,7 +258,7 @@ TEST_F(DraggedImages, AFileThatCannotBeWrittenIsTold)
     const ViewerResult result =
         Run({"--drag", "/no/such/folder/a.pict", Write("a.png", MakePng(40, 30))});
     EXPECT_EQ(result.status, 1);
-    EXPECT_THAT(result.err, HasSubstr("the picture could not be written"));
+    EXPECT_THAT(result.err, HasSubstr("vornview: /no/such/folder/a.pict: the picture could not be written"));
 }
 
 } // namespace

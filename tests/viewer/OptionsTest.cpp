@@ -171,6 +171,21 @@ TEST(Options, AnObjectMustBeNamed)
     EXPECT_TRUE(Parse({"--version"}).version);
 }
 
+TEST(Options, StandardInputIsOneObjectOnly)
+{
+    EXPECT_EQ(Complaint({"-"}), "");
+    EXPECT_EQ(Complaint({"-", "-"}), "standard input can be one object only");
+}
+
+TEST(Options, AClickOutsideAHeadlessPageIsRefused)
+{
+    EXPECT_EQ(Complaint({"--size", "50x40", "--click", "49,39@1"}), "");
+    EXPECT_EQ(Complaint({"--click", "50,39@1", "--size", "50x40"}),
+              "--click: 50,39 lies outside the page of 50x40");
+    EXPECT_EQ(Complaint({"--click", "49,40@1", "--size", "50x40"}),
+              "--click: 49,40 lies outside the page of 50x40");
+}
+
 TEST(Options, ATypesParametersAreCutOff)
 {
     const Options options =

@@ -23,7 +23,7 @@ protected:
     std::string Complaint() const
     {
         try {
-            viewer::RefuseOutputsThatAreObjects(options);
+            viewer::RefuseOutputsThatMeet(options);
         } catch (const viewer::UsageError& error) {
             return error.what();
         }
@@ -61,10 +61,27 @@ TEST_F(OutputCheck, NorByADrag)
     EXPECT_THAT(Complaint(), HasSubstr("--drag-image: '"));
 }
 
+TEST_F(OutputCheck, TwoOutputsIntoOneFileAreRefused)
+{
+    options.snapshots = {{0, folder.Path("out")}};
+    options.reportPath = folder.Path("./out");
+    EXPECT_THAT(Complaint(), HasSubstr("is also written by --snapshot"));
+    options.reportPath = folder.Path("other");
+    EXPECT_EQ(Complaint(), "");
+}
+
+TEST_F(OutputCheck, TwoOutputsIntoStandardOutputAreRefused)
+{
+    options.wavPath = "-";
+    options.reportPath = "-";
+    EXPECT_EQ(Complaint(), "--report: '-' is also written by --wav");
+}
+
 TEST_F(OutputCheck, OtherFilesAndDevicesAreFine)
 {
     options.objects.push_back({"/dev/null", "", 0x1F});
     options.wavPath = "/dev/null";
+    options.drag.path = "/dev/null";
     options.reportPath = folder.Write("old.json", "{}");
     options.snapshots = {{0, folder.Path("new.png")}};
     EXPECT_EQ(Complaint(), "");

@@ -71,13 +71,15 @@ TEST_F(OutputFileTest, WithoutACommitNothingHasHappened)
     EXPECT_EQ(CountFiles(), 1u);
 }
 
-TEST_F(OutputFileTest, AFailedWriteNamesContentsAndReason)
+TEST_F(OutputFileTest, AFailedWriteNamesPlaceContentsAndReason)
 {
     EXPECT_EQ(FailureOfWriting("/dev/full"),
-              "the text could not be written: No space left on device");
-    EXPECT_EQ(FailureOfWriting(folder.Path("no/such/folder")),
-              "the text could not be written: No such file or directory");
-    EXPECT_EQ(FailureOfWriting(folder.Path(".")), "the text could not be written: Is a directory");
+              "/dev/full: the text could not be written: No space left on device");
+    const std::string nowhere = folder.Path("no/such/folder");
+    EXPECT_EQ(FailureOfWriting(nowhere),
+              nowhere + ": the text could not be written: No such file or directory");
+    const std::string itself = folder.Path(".");
+    EXPECT_EQ(FailureOfWriting(itself), itself + ": the text could not be written: Is a directory");
 }
 
 TEST_F(OutputFileTest, ADeviceIsWrittenStraightAndStays)
