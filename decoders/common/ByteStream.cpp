@@ -23,3 +23,22 @@ size_t ByteStream::Read(UInt8* dest, size_t count)
     }
     return copied;
 }
+
+void ByteStream::ReadAll(UInt8* dest, size_t count)
+{
+    if (Read(dest, count) != count)
+        throw OSErr{kDataNotAvailableErr};
+}
+
+UInt8 ByteStream::NextByte()
+{
+    UInt8 byte = 0;
+    ReadAll(&byte, 1);
+    return byte;
+}
+
+UInt16 ByteStream::NextWord()
+{
+    const UInt8 low = NextByte();
+    return static_cast<UInt16>(low | NextByte() << 8);
+}

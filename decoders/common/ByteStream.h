@@ -14,6 +14,10 @@ public:
     // Reads `count` bytes and waits for them; fewer only at the end of the data. Tells how many,
     // and throws what the host fails with.
     size_t Read(UInt8* dest, size_t count);
+    // Reads all of them, or throws kDataNotAvailableErr. Words have their low byte first.
+    void ReadAll(UInt8* dest, size_t count);
+    UInt8 NextByte();
+    UInt16 NextWord();
     // Whether that many can be read without asking the host.
     bool HasAtHand(size_t count) const { return end_ - next_ >= count; }
     // Whether more have been asked for than there are.

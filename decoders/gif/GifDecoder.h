@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "decoders/common/ByteStream.h"
 #include "decoders/common/IndexedCanvas.h"
+#include "decoders/common/LzwDecoder.h"
 #include "decoders/common/NewRows.h"
-#include "decoders/gif/GifReader.h"
+#include "decoders/common/Palette.h"
 
-#include <string>
+#include <optional>
 
 // Turns the records of a GIF file into the frames of an image.
 class GifDecoder
@@ -14,8 +16,10 @@ public:
     static constexpr UInt8 kSignatures[][6] = {{'G', 'I', 'F', '8', '7', 'a'},
                                                {'G', 'I', 'F', '8', '9', 'a'}};
 
-    // Reads the header.
-    explicit GifDecoder(VornPlugin& image);
+    explicit GifDecoder(VornPlugin& image)
+        : image_(image), bytes_(image), canvas_(image), newRows_(image)
+    {
+    }
 
     // Decodes all frames. What has been decoded can be shown also when it throws:
     // kVornErrRenderFailed for bad data, missing rows or no frame at all, kDataNotAvailableErr for
@@ -24,28 +28,43 @@ public:
     void Decode();
 
 private:
+    // What an extension says of the next picture.
+    struct Control {
+        UInt8 flags = 0;
+        UInt16 delay = 0;
+        SInt16 transparent = -1;
+    };
+    struct Picture {
+        IndexedCanvas::Place place;
+        bool isInterlaced;
+        // The row that comes n-th in the file.
+        SInt32 RowAt(SInt32 n) const;
+    };
+
+    void ReadHeader();
     void ReadRecords();
     void ReadExtension();
-    // All of an extension in one piece; what goes on for too long is cut off.
-    std::string ReadExtensionBytes(int& function);
     void ReadImage();
-    // Adds a frame for the file's current image.
-    IndexedCanvas::Frame AddFrame();
+    void ReadRows(const Picture& picture, const IndexedCanvas::Frame& place);
+    Palette ReadPalette(UInt8 flags);
+    // The data of a record are in parts; an empty one is the last.
+    std::span<const UInt8> NextPart();
+    const UInt8* NextRow();
     void DescribeFrame(SInt16 index);
-    // The rows of the file's current image.
-    void ReadRows(const IndexedCanvas::Frame& place);
-    void SkipRows();
     void Finish();
 
     VornPlugin& image_;
-    GifReader reader_;
-    GifFileType& file_;
+    ByteStream bytes_;
+    std::array<UInt8, 255> part_;
+    bool hasParts_ = false; // the record that is being read
+    LzwDecoder codes_;
     IndexedCanvas canvas_;
     NewRows newRows_;
     CTabHandle globalColors_ = nullptr; // the image's
-    GraphicsControlBlock control_;      // of the next image
-    bool hasTransparency_ = false;      // some frame has
-    bool lacksRows_ = false;            // some frame does
+    std::optional<RGBColor> background_;
+    Control control_;
+    bool hasTransparency_ = false; // some frame has
+    bool lacksRows_ = false;       // some frame does
     bool hasComment_ = false;
     UInt16 plays_ = 1; // modulo 65536, which is what 0 stands for
 };

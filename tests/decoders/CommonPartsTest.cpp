@@ -113,6 +113,28 @@ TEST_F(ByteStreams, GiveWhatThereIsOfWhatIsWanted)
     EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 10), ObjectBytes(0, 10));
 }
 
+TEST_F(ByteStreams, ThrowWhereThereAreNotAsManyAsThereMustBe)
+{
+    Arrive({10});
+    Decode([&] {
+        ByteStream stream(image_);
+        Bytes bytes(6);
+        EXPECT_NO_THROW(stream.ReadAll(bytes.data(), 6));
+        EXPECT_EQ(ErrorOf([&] { stream.ReadAll(bytes.data(), 6); }), kDataNotAvailableErr);
+    });
+}
+
+TEST_F(ByteStreams, ReadWordsLowByteFirst)
+{
+    Arrive({3});
+    const Bytes bytes = ObjectBytes(0, 3);
+    Decode([&] {
+        ByteStream stream(image_);
+        EXPECT_EQ(stream.NextByte(), bytes[0]);
+        EXPECT_EQ(stream.NextWord(), bytes[1] + 256 * bytes[2]);
+    });
+}
+
 TEST_F(ByteStreams, ThrowWhatTheHostFailsWith)
 {
     host_.failure = ioErr;

@@ -25,6 +25,13 @@ GifImage WithoutRows(GifImage image, int rows)
     return image;
 }
 
+// An image of codes as they stand there.
+std::string Record(char width, char height, char codeSize, const std::string& codes)
+{
+    return std::string{',', 0, 0, 0, 0, width, 0, height, 0, 0, codeSize} +
+           static_cast<char>(codes.size()) + codes + '\0';
+}
+
 // The memory that an image may take, for the length of a test.
 class MemoryLimit
 {
@@ -112,6 +119,39 @@ TEST_F(GifDamage, KeepsAFrameThatLacksRowsAndReadsOn)
     ASSERT_EQ(FrameCount(), 2);
     EXPECT_EQ(Frame(0).pixels, (Pixels{kRed, kRed, kRed, kRed, kNoColor, kNoColor}));
     EXPECT_EQ(Frame(1).pixels, Pixels(6, kGreen));
+}
+
+TEST_F(GifDamage, ReadsOnWhereDataEndBeforeTheirEndIsTold)
+{
+    EXPECT_EQ(Decode(GifBuilder(2, 1, kColors)
+                         .Raw(Record(2, 1, 2, "\x44")) // to clear, 0
+                         .Image(Plain(2, 1, 2))
+                         .Bytes()),
+              kVornErrRenderFailed);
+    ASSERT_EQ(FrameCount(), 2);
+    EXPECT_EQ(Frame(0).pixels, Pixels(2, kNoColor));
+    EXPECT_EQ(Frame(1).pixels, Pixels(2, kGreen));
+}
+
+TEST_F(GifDamage, ReadsOnBehindACodeThatCannotBe)
+{
+    EXPECT_EQ(Decode(GifBuilder(1, 2, kColors)
+                         .Raw(Record(1, 2, 2, "\xCC\x01")) // to clear, 1, 7
+                         .Image(Plain(1, 2, 2))
+                         .Bytes()),
+              kVornErrRenderFailed);
+    ASSERT_EQ(FrameCount(), 2);
+    EXPECT_EQ(Frame(0).pixels, (Pixels{kRed, kNoColor}));
+    EXPECT_EQ(Frame(1).pixels, Pixels(2, kGreen));
+}
+
+TEST_F(GifDamage, RefusesASizeThatCodesCannotHave)
+{
+    for (const char size : {'\0', '\x0C'}) {
+        EXPECT_EQ(Decode(GifBuilder(1, 1, kColors).Raw(Record(1, 1, size, "\4")).Bytes()),
+                  kVornErrImageFailed);
+        EXPECT_EQ(FrameCount(), 0) << int{size};
+    }
 }
 
 TEST_F(GifDamage, MakesTheMissingRowsOfALaterFrameTransparent)

@@ -387,3 +387,12 @@ TEST_F(GifDecoding, DecodesLongRunsAndFullCodeTables)
     ASSERT_EQ(Decode(GifBuilder(kSide, kSide, colors).Image(image).Bytes()), 0);
     EXPECT_TRUE(Frame(0).pixels == expected);
 }
+
+TEST_F(GifDecoding, TakesCodesThatBeginLongerThanIndicesAre)
+{
+    const std::string record = {',',    0, 0, 0,      0, 1, 0, 1, 0, 0, // 1x1 pixels
+                                '\x0B', 5, 0, '\x28', 0, 1, 8,          // to clear, 2, to end
+                                0};
+    ASSERT_EQ(Decode(GifBuilder(1, 1, kColors).Raw(record).Bytes()), 0);
+    EXPECT_EQ(Frame(0).pixels, Pixels{kGreen});
+}
