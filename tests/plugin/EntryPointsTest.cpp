@@ -165,9 +165,12 @@ TEST(FreeObject, DestroysIt)
     EXPECT_EQ(test::MockPlugin::alive, 0);
 }
 
-TEST(FreeObject, NoneIsNothingToDo)
+TEST(FreeObject, NoneLeavesAllOthers)
 {
+    const test::TestBundle bundle;
+    const test::MockPlugin other(bundle.Get());
     VornPluginFreeObject(nullptr);
+    EXPECT_EQ(test::MockPlugin::alive, 1);
 }
 
 namespace

@@ -79,12 +79,17 @@ TEST_F(Colors, NamesOtherThanWhiteAreBlack)
 
 TEST_F(Colors, WithoutAPortNothingHappens)
 {
+    const OwnedWorld world = MakeWorld(16, kBounds);
+    const UInt32 white = ValueAt(BitsOf(world), 0, 5);
     ForeColor(blackColor);
-    BackColor(whiteColor);
+    BackColor(blackColor);
     RGBForeColor(&kRed);
     RGBBackColor(&kRed);
     EraseRect(&kBounds);
-    SUCCEED();
+    EXPECT_EQ(ValueAt(BitsOf(world), 0, 5), white);
+    SetGWorld(world.get(), nullptr);
+    EraseRect(&kBounds);
+    EXPECT_EQ(ValueAt(BitsOf(world), 0, 5), white) << "its own background";
 }
 
 TEST_F(Colors, APixelValueIsThatOfTheDevice)

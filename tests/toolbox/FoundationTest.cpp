@@ -313,10 +313,15 @@ TEST_F(Bundles, NoDamageToTheirListIsADanger)
         }
         const CFBundleRef bundle = Bundle(list);
         if (bundle != nullptr) {
-            Value(bundle, "CFBundleName");
+            const CFTypeRef name = Value(bundle, "CFBundleName");
+            EXPECT_TRUE(name == nullptr || CFGetTypeID(name) != 0);
             CFRelease(bundle);
         }
     }
+    const CFBundleRef intact = Bundle(kDocumentTypes);
+    ASSERT_NE(nullptr, intact);
+    EXPECT_EQ("Movie", Text(Value(intact, "CFBundleName")));
+    CFRelease(intact);
 }
 
 } // namespace

@@ -94,8 +94,13 @@ TEST_F(StreamWatchTest, CanBeWokenWithoutAStream)
 
 TEST_F(StreamWatchTest, EndsWhileItWatches)
 {
-    StreamWatch watch(event);
-    watch.Watch(Stream());
+    {
+        StreamWatch watch(event);
+        watch.Watch(Stream());
+    }
+    Write();
+    SDL_PumpEvents();
+    EXPECT_FALSE(SDL_HasEvent(event));
 }
 
 } // namespace
