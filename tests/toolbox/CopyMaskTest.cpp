@@ -114,6 +114,37 @@ TEST(CopyDeepMask, BlendsByTheMasksGreysAtAllDepths)
     }
 }
 
+// Long enough for copies to be made in pieces.
+TEST(CopyMask, CopiesWhatIsBlackBetweenLongWhiteEnds)
+{
+    constexpr SInt16 kWidth = 1100;
+    constexpr Rect kRow = {0, 0, 1, kWidth};
+    std::mt19937 random(1);
+    const OwnedWorld source = MakeWorld(8, kRow);
+    const OwnedWorld mask = MakeWorld(1, kRow);
+    reference::FillWithNoise(source, random);
+    for (int first = 0; first < kWidth; first += 37) {
+        const int end = std::min<int>(kWidth, first + 1 + first % 3 * 80);
+        const SInt16 shift = static_cast<SInt16>(first % 5);
+        const OwnedWorld target = MakeWorld(16, kRow);
+        for (int h = 0; h < kWidth; ++h) {
+            reference::SetValueAt(BitsOf(mask), 0, h, h >= first && h < end ? 1 : 0);
+            reference::SetValueAt(BitsOf(target), 0, h, 0x8000U + static_cast<UInt32>(h));
+        }
+        const Rect from = {0, shift, 1, kWidth};
+        const Rect to = {0, 0, 1, static_cast<SInt16>(kWidth - shift)};
+        CopyMask(BitsOf(source), BitsOf(mask), BitsOf(target), &from, &from, &to);
+        for (int h = 0; h < to.right; ++h) {
+            const bool isBlack = h + shift >= first && h + shift < end;
+            const Components color = ColorAt(BitsOf(source), 0, h + shift);
+            ASSERT_EQ(ValueAt(BitsOf(target), 0, h),
+                      isBlack ? reference::NearestValue(BitsOf(target), color)
+                              : 0x8000U + static_cast<UInt32>(h))
+                << first << " to " << end << ", at " << h;
+        }
+    }
+}
+
 class Masked : public testing::Test
 {
 protected:

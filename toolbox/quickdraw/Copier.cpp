@@ -181,15 +181,32 @@ void Copier::CopySpans(const Rect& box)
 
 void Copier::CopySpan(int v, int h, int count)
 {
+    if (maskReader_ && HasBitMask()) {
+        CopyThroughBits(v, h, count);
+        return;
+    }
     std::array<Color, kSpan> buffer;
     const Color* const colors = reader_.Read(v, h, count, buffer.data());
-    if (!maskReader_) {
-        Store(request_.target.Row(v), request_.target.Column(h), count, colors, v, h);
-    } else if (HasBitMask()) {
-        SelectSpan(colors, v, h, count, maskReader_->Row(v), maskReader_->Column(h));
-    } else {
+    if (maskReader_) {
         BlendSpan(colors, v, h, count);
+    } else {
+        Store(request_.target.Row(v), request_.target.Column(h), count, colors, v, h);
     }
+}
+
+// What the mask hides at both ends is not even read.
+void Copier::CopyThroughBits(int v, int h, int count)
+{
+    const UInt8* const mask = maskReader_->Row(v);
+    const int maskColumn = maskReader_->Column(h);
+    const MaskPart part = PartWithSetBits(mask, maskColumn, count);
+    if (part.count == 0) {
+        return;
+    }
+    h += part.column - maskColumn;
+    std::array<Color, kSpan> buffer;
+    const Color* const colors = reader_.Read(v, h, part.count, buffer.data());
+    SelectSpan(colors, v, h, part.count, mask, part.column);
 }
 
 // Makes the pixels apart, so that what the mask does not let through is not touched.

@@ -46,6 +46,7 @@ private:
     void PickRows(const Rect& box);
     void CopySpans(const Rect& box);
     void CopySpan(int v, int h, int count);
+    void CopyThroughBits(int v, int h, int count);
     void SelectSpan(const Color* colors, int v, int h, int count, const UInt8* mask,
                     int maskColumn);
     void BlendSpan(const Color* colors, int v, int h, int count);

@@ -71,6 +71,14 @@ inline void CopyMasked(const UInt8* from, UInt8* to, int count, const UInt8* mas
     }
 }
 
+// Eight bytes of a mask.
+inline bool IsClear(const UInt8* mask)
+{
+    UInt64 word;
+    std::memcpy(&word, mask, sizeof word);
+    return word == 0;
+}
+
 VORN_CPU_VERSIONS void CopyMasked32(const UInt8* from, UInt8* to, int count, const UInt8* mask,
                                     int maskColumn)
 {
@@ -115,6 +123,23 @@ void CopyMaskedRow(const UInt8* from, UInt8* to, int depth, int column, int coun
             to[bit / 8] = static_cast<UInt8>((to[bit / 8] & ~field) | (from[bit / 8] & field));
         }
     }
+}
+
+MaskPart PartWithSetBits(const UInt8* mask, int column, int count)
+{
+    constexpr ptrdiff_t kWord = sizeof(UInt64);
+    const UInt8* first = mask + column / 8;
+    const UInt8* end = mask + (column + count + 7) / 8;
+    for (; end - first >= kWord && IsClear(first); first += kWord) {
+    }
+    for (; first < end && *first == 0; ++first) {
+    }
+    for (; end - first >= kWord && IsClear(end - kWord); end -= kWord) {
+    }
+    for (; first < end && end[-1] == 0; --end) {
+    }
+    const int from = std::max(column, static_cast<int>(first - mask) * 8);
+    return {from, std::max(0, std::min(column + count, static_cast<int>(end - mask) * 8) - from)};
 }
 
 void MaskOfNonWhite(const Color* deepMask, int count, UInt8* mask)

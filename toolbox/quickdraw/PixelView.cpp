@@ -8,19 +8,17 @@ namespace toolbox
 namespace
 {
 
-PixelView Checked(PixelView view)
+PixelView Checked(Ptr base, SInt32 rowBytes, const Rect& bounds, int depth, CTabHandle colors)
 {
-    if (!IsPixelDepth(view.depth) || view.base == nullptr || IsEmptyRect(view.bounds)) {
-        view.depth = 0;
-    }
-    return view;
+    const bool isDrawable = IsPixelDepth(depth) && base != nullptr && !IsEmptyRect(bounds);
+    return {reinterpret_cast<UInt8*>(base), rowBytes, bounds, isDrawable ? depth : 0, colors};
 }
 
 } // namespace
 
 bool IsPixelDepth(int depth)
 {
-    return depth == 1 || depth == 2 || depth == 4 || depth == 8 || depth == 16 || depth == 32;
+    return depth > 0 && depth <= 32 && (depth & (depth - 1)) == 0; // a power of two
 }
 
 SInt32 RowBytesOf(const PixMap& map)
@@ -33,8 +31,7 @@ SInt32 RowBytesOf(const PixMap& map)
 
 PixelView ViewOf(const PixMap& map)
 {
-    return Checked({reinterpret_cast<UInt8*>(map.baseAddr), RowBytesOf(map), map.bounds,
-                    map.pixelSize, map.pmTable});
+    return Checked(map.baseAddr, RowBytesOf(map), map.bounds, map.pixelSize, map.pmTable);
 }
 
 PixelView ViewOf(const BitMap& map)
@@ -42,8 +39,7 @@ PixelView ViewOf(const BitMap& map)
     if (map.rowBytes < 0) {
         return ViewOf(reinterpret_cast<const PixMap&>(map));
     }
-    return Checked({reinterpret_cast<UInt8*>(map.baseAddr), map.rowBytes & kMostRowBytesInRecord,
-                    map.bounds, 1, nullptr});
+    return Checked(map.baseAddr, map.rowBytes & kMostRowBytesInRecord, map.bounds, 1, nullptr);
 }
 
 } // namespace toolbox

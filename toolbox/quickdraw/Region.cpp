@@ -54,11 +54,6 @@ RgnHandle MakeRegion()
 
 } // namespace
 
-bool IsEmptyRect(const Rect& rect)
-{
-    return rect.right <= rect.left || rect.bottom <= rect.top;
-}
-
 void SetArea(pixman_region32_t& area, const Rect& rect)
 {
     pixman_region32_fini(&area);

@@ -23,7 +23,10 @@ namespace toolbox
 // The widest rectangle that 16-bit coordinates can name.
 inline constexpr Rect kWidestRect = {-32768, -32768, 32767, 32767};
 
-bool IsEmptyRect(const Rect& rect);
+inline bool IsEmptyRect(const Rect& rect)
+{
+    return rect.right <= rect.left || rect.bottom <= rect.top;
+}
 // Makes the area one rectangle, an empty one for an empty rectangle.
 void SetArea(pixman_region32_t& area, const Rect& rect);
 Rect RectFromBox(const pixman_box32_t& box);
