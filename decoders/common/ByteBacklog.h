@@ -4,6 +4,7 @@
 #include "src/plugin/VornPluginABI.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -19,9 +20,16 @@ public:
     void SkipAhead(size_t count) { toSkip_ += count; }
     // Whether nothing will follow.
     bool HasAll() const { return hasAll_; }
+    // Notes that all that was read has been used but for the last `unused` bytes.
+    void NoteUse(size_t unused) { used_ = read_ - unused; }
+    // Begins with the object's first byte again, as if it ended with the last that was noted.
+    void StartOver(VornPlugin& object);
 
 private:
     std::vector<UInt8> bytes_;
     size_t toSkip_ = 0;
+    size_t read_ = 0; // of the object
+    size_t used_ = 0;
+    size_t end_ = SIZE_MAX;
     bool hasAll_ = false;
 };

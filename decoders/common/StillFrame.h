@@ -19,6 +19,7 @@ public:
     // the image is. The colours (null for direct ones) pass to the image. Throws.
     void Add(SInt16 width, SInt16 height, UInt16 depth, CTabHandle colors = nullptr,
              UInt16 maskDepth = 0);
+    bool IsAdded() const { return pixels_.has_value(); }
     // 256 colours, all black; for index `i` it has entry `i`. Throws memFullErr.
     static CTabHandle NewColors();
     // 256 greys from black to white.

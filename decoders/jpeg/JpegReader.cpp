@@ -26,8 +26,14 @@ constexpr int kDamage[] = {JWRN_ARITH_BAD_CODE, JWRN_HIT_MARKER, JWRN_HUFF_BAD_C
 JpegReader::JpegReader(VornPlugin& ownImage) : image_(ownImage), frame_(ownImage), source_(decoder_)
 {
     decoder_.err = jpeg_std_error(&errors_);
-    errors_.error_exit = OnError;
-    errors_.emit_message = OnMessage;
+    errors_.error_exit = [](j_common_ptr decoder) {
+        std::longjmp(static_cast<ErrorManager*>(decoder->err)->giveUp, 1);
+    };
+    errors_.emit_message = [](j_common_ptr decoder, int level) {
+        auto* const errors = static_cast<ErrorManager*>(decoder->err);
+        if (level < 0 && std::ranges::count(kDamage, errors->msg_code) != 0)
+            errors->isDamaged = true;
+    };
     jpeg_source_mgr* const source = decoder_.src;
     Guarded([this] { jpeg_create_decompress(&decoder_); });
     decoder_.src = source;
@@ -37,18 +43,6 @@ JpegReader::JpegReader(VornPlugin& ownImage) : image_(ownImage), frame_(ownImage
 JpegReader::~JpegReader()
 {
     jpeg_destroy_decompress(&decoder_);
-}
-
-void JpegReader::OnError(j_common_ptr decoder)
-{
-    std::longjmp(static_cast<ErrorManager*>(decoder->err)->giveUp, 1);
-}
-
-void JpegReader::OnMessage(j_common_ptr decoder, int level)
-{
-    auto* const errors = static_cast<ErrorManager*>(decoder->err);
-    if (level < 0 && std::ranges::count(kDamage, errors->msg_code) != 0)
-        errors->isDamaged = true;
 }
 
 template <class Step>
@@ -74,16 +68,10 @@ void JpegReader::Decode()
     try {
         while (!isComplete_)
             DecodeNextBlock();
-    } catch (OSErr) {
-        // What the scans before it brought is shown, however fast they came.
-        if (decoder_.buffered_image && decoder_.input_scan_number > 1)
-            Guarded([this] {
-                if (isInPass_)
-                    EndPass();
-                BeginPass(decoder_.input_scan_number - 1);
-                ReadRows();
-            });
-        throw;
+    } catch (OSErr failure) {
+        if (frame_.IsAdded() && decoder_.buffered_image)
+            ShowWhatWasUsed();
+        throw failure;
     }
     // Where nothing but the end mark of a plain scan is missing the image is whole.
     const bool needsEndMark = decoder_.buffered_image || decoder_.arith_code;
@@ -91,13 +79,23 @@ void JpegReader::Decode()
         throw Failure();
 }
 
+// What the scans before a failure brought is shown, however fast they came: the library, which has
+// given up, decodes them anew.
+void JpegReader::ShowWhatWasUsed()
+try {
+    jpeg_abort_decompress(&decoder_);
+    source_.StartOver(image_);
+    hasHeader_ = isInPass_ = false;
+    while (!isComplete_)
+        DecodeNextBlock();
+} catch (OSErr) { // the first failure counts
+}
+
 void JpegReader::DecodeNextBlock()
 {
     source_.ReadBlock(image_);
     now_ = TickCount();
-    if (!hasHeader_)
-        ReadHeader();
-    if (!hasHeader_)
+    if (!hasHeader_ && !ReadHeader())
         return;
     // The library cannot stop in the middle of arithmetic codes.
     if (decoder_.arith_code && !source_.HasAll())
@@ -108,14 +106,15 @@ void JpegReader::DecodeNextBlock()
         });
 }
 
-void JpegReader::ReadHeader()
+bool JpegReader::ReadHeader()
 {
     Guarded([this] { hasHeader_ = jpeg_read_header(&decoder_, TRUE) == JPEG_HEADER_OK; });
-    if (!hasHeader_)
-        return;
-    BeginFrame();
-    // It never has to wait: images in several scans are buffered.
-    Guarded([this] { jpeg_start_decompress(&decoder_); });
+    if (hasHeader_) {
+        BeginFrame();
+        // It never has to wait: images in several scans are buffered.
+        Guarded([this] { jpeg_start_decompress(&decoder_); });
+    }
+    return hasHeader_;
 }
 
 void JpegReader::BeginFrame()
@@ -124,9 +123,11 @@ void JpegReader::BeginFrame()
         throw OSErr{kVornErrRenderFailed};
     if (decoder_.out_color_space == JCS_RGB)
         decoder_.out_color_space = JCS_EXT_XRGB;
+    decoder_.buffered_image = jpeg_has_multiple_scans(&decoder_);
+    if (frame_.IsAdded())
+        return;
     const bool isGray = decoder_.out_color_space == JCS_GRAYSCALE;
     const UInt16 depth = isGray ? 8 : 32;
-    decoder_.buffered_image = jpeg_has_multiple_scans(&decoder_);
     budget_.Take(decoder_.image_width, decoder_.image_height, depth);
     if (decoder_.buffered_image)
         budget_.TakeBytes(CoefficientBytes());
@@ -160,8 +161,7 @@ void JpegReader::SetComment()
 
 bool JpegReader::ReadRows()
 {
-    // After the end of the bytes, which may come with any row, there would be grey without end:
-    // those rows stay as they are.
+    // Rows behind the end of the bytes, which may come with any row, would be grey: they stay.
     while (decoder_.output_scanline < std::min(decoder_.output_height, source_.RowsBeforeEnd())) {
         const JDIMENSION row = decoder_.output_scanline;
         JSAMPROW samples = frame_.Row(row);
@@ -184,13 +184,15 @@ bool JpegReader::DecodeScans()
 {
     ConsumeScans();
     const bool hasAllScans = jpeg_input_complete(&decoder_);
+    const int complete = decoder_.input_scan_number - 1;
+    const bool isNew = complete > shownScan_ && now_ - lastPass_ >= kTicksBetweenPasses;
     if (hasAllScans && isInPass_)
         EndPass(); // for the sake of the last one
     if (hasAllScans)
         BeginPass(decoder_.input_scan_number);
-    else if (!isInPass_ && IsPassDue())
+    else if (!isInPass_ && (shownScan_ == 0 || isNew))
         // A scan that is complete never has to wait; the first one shows what there is.
-        BeginPass(std::max(1, decoder_.input_scan_number - 1));
+        BeginPass(std::max(1, complete));
     if (isInPass_ && ReadRows())
         EndPass();
     return hasAllScans && Finish();
@@ -203,13 +205,9 @@ void JpegReader::ConsumeScans()
         status = jpeg_consume_input(&decoder_);
         if (decoder_.input_scan_number > kMostScans)
             ERREXIT(&decoder_, JERR_BAD_PROGRESSION);
+        if (status != JPEG_SUSPENDED)
+            source_.NoteUse();
     }
-}
-
-bool JpegReader::IsPassDue() const
-{
-    return shownScan_ == 0 ||
-           (decoder_.input_scan_number - 1 > shownScan_ && now_ - lastPass_ >= kTicksBetweenPasses);
 }
 
 void JpegReader::BeginPass(int scan)

@@ -34,14 +34,13 @@ private:
         bool isDamaged; // the library went on, but pixels are wrong
     };
 
-    [[noreturn]] static void OnError(j_common_ptr decoder);
-    static void OnMessage(j_common_ptr decoder, int level);
     // Runs a step in which the library may give up; tells of new rows, and throws if it did.
     template <class Step>
     void Guarded(Step step);
     OSErr Failure() const;
+    void ShowWhatWasUsed();
     void DecodeNextBlock();
-    void ReadHeader();
+    bool ReadHeader();
     void BeginFrame();
     UInt64 CoefficientBytes() const;
     void SetComment();
@@ -51,7 +50,6 @@ private:
     bool DecodeScans();
     bool Finish();
     void ConsumeScans();
-    bool IsPassDue() const;
     void BeginPass(int scan);
     void EndPass() { isInPass_ = !jpeg_finish_output(&decoder_); }
 

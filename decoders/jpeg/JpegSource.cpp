@@ -21,25 +21,27 @@ void JpegSource::ReadBlock(VornPlugin& object)
     manager_.bytes_in_buffer = bytes.size();
 }
 
+void JpegSource::StartOver(VornPlugin& object)
+{
+    backlog_.StartOver(object);
+    manager_.bytes_in_buffer = 0;
+    wasTooShort_ = false;
+}
+
 boolean JpegSource::Fill(j_decompress_ptr decoder)
 {
+    static constexpr UInt8 kEndMark[] = {0xFF, JPEG_EOI};
     auto& source = *static_cast<JpegSource*>(decoder->client_data);
     if (!source.HasAll())
         return FALSE;
-    source.GiveEndMark();
-    return TRUE;
-}
-
-void JpegSource::GiveEndMark()
-{
-    static constexpr UInt8 kEndMark[] = {0xFF, JPEG_EOI};
-    if (!wasTooShort_ && decoder_.input_scan_number <= 1) {
-        const auto rowHeight = static_cast<JDIMENSION>(decoder_.max_v_samp_factor * DCTSIZE);
-        rowsBeforeEnd_ = (decoder_.input_iMCU_row + 1) * rowHeight;
+    if (!source.wasTooShort_ && decoder->input_scan_number <= 1) {
+        const auto rowHeight = static_cast<JDIMENSION>(decoder->max_v_samp_factor * DCTSIZE);
+        source.rowsBeforeEnd_ = (decoder->input_iMCU_row + 1) * rowHeight;
     }
-    wasTooShort_ = true;
-    manager_.next_input_byte = kEndMark;
-    manager_.bytes_in_buffer = sizeof kEndMark;
+    source.wasTooShort_ = true;
+    source.manager_.next_input_byte = kEndMark;
+    source.manager_.bytes_in_buffer = sizeof kEndMark;
+    return TRUE;
 }
 
 void JpegSource::Skip(j_decompress_ptr decoder, long count)

@@ -19,6 +19,14 @@ public:
 
     // Adds the object's next bytes. Outside the library's frames: it waits.
     void ReadBlock(VornPlugin& object);
+    // The library has made something of all that it has taken so far.
+    void NoteUse()
+    {
+        // A marker that it has seen and not taken yet has two bytes.
+        backlog_.NoteUse(manager_.bytes_in_buffer + (decoder_.unread_marker != 0 ? 2 : 0));
+    }
+    // Begins again, for a library that does so, and ends with what was noted last.
+    void StartOver(VornPlugin& object);
     // All bytes of the object are there.
     bool HasAll() const { return backlog_.HasAll(); }
     // The library has asked for more than all of them, and got an end mark.
@@ -30,7 +38,6 @@ public:
 private:
     static boolean Fill(j_decompress_ptr decoder);
     static void Skip(j_decompress_ptr decoder, long count);
-    void GiveEndMark();
 
     jpeg_decompress_struct& decoder_;
     jpeg_source_mgr manager_{};

@@ -181,6 +181,21 @@ TEST_F(ByteBacklogs, KeepTheUnusedBytesAtTheEnd)
     });
 }
 
+TEST_F(ByteBacklogs, StartOverAndEndWithTheLastByteThatWasUsed)
+{
+    Arrive({10, 10});
+    Decode([&] {
+        ByteBacklog backlog;
+        backlog.ReadBlock(image_, 0);
+        backlog.ReadBlock(image_, 4);
+        backlog.NoteUse(5);
+        backlog.StartOver(image_);
+        EXPECT_FALSE(backlog.HasAll());
+        EXPECT_EQ(Copy(backlog.ReadBlock(image_, 0)), ObjectBytes(0, 15));
+        EXPECT_TRUE(backlog.HasAll());
+    });
+}
+
 TEST(Palettes, BeginBlackWithNumberedEntries)
 {
     const Palette palette;

@@ -73,17 +73,35 @@ TEST(JpegDamage, ShowsTheScansBeforeOneThatCannotBeReadHoweverTheyArrive)
 {
     JpegSpec spec = Square();
     spec.isProgressive = true;
-    Bytes file = WriteJpeg(spec);
-    const size_t scan = FindMarker(file, 0xDA, 4);
-    Bytes before(file.begin(), file.begin() + static_cast<ptrdiff_t>(scan));
-    before.insert(before.end(), {0xFF, 0xD9});
-    file[scan + 4] = 9; // components
-    for (const SInt32 piece : {100000, 4096, 500}) {
-        HostedImage image(Bundle(), file);
-        image.host.arrivals.assign(file.size() / static_cast<size_t>(piece) + 1, piece);
-        EXPECT_EQ(image.Decode(), kVornErrRenderFailed);
-        EXPECT_EQ(image.Display(kSide, kSide), ReadJpeg(before)) << piece << " bytes at a time";
+    for (const int number : {2, 4}) {
+        Bytes file = WriteJpeg(spec);
+        const size_t scan = FindMarker(file, 0xDA, number);
+        Bytes before(file.begin(), file.begin() + static_cast<ptrdiff_t>(scan));
+        before.insert(before.end(), {0xFF, 0xD9});
+        file[scan + 4] = 9; // components
+        for (const SInt32 piece : {100000, 4096, 500}) {
+            HostedImage image(Bundle(), file);
+            image.host.arrivals.assign(file.size() / static_cast<size_t>(piece) + 1, piece);
+            EXPECT_EQ(image.Decode(), kVornErrRenderFailed);
+            EXPECT_EQ(image.Display(kSide, kSide), ReadJpeg(before))
+                << "scan " << number << ", " << piece << " bytes at a time";
+        }
     }
+}
+
+TEST(JpegDamage, IsToldAsItWasThoughTheHostFailsWhenTheScansAreReadAgain)
+{
+    JpegSpec spec = Square();
+    spec.isProgressive = true;
+    Bytes file = WriteJpeg(spec);
+    file[FindMarker(file, 0xDA, 4) + 4] = 9; // components
+    HostedImage image(Bundle(), file);
+    image.host.onGetData = [&] {
+        if (image.host.requests.back().offset == 0 && image.host.requests.size() > 2)
+            image.host.failure = ioErr;
+    };
+    EXPECT_EQ(image.Decode(), kVornErrRenderFailed);
+    EXPECT_EQ(image.host.failure, ioErr);
 }
 
 TEST(JpegDamage, DoesNotMindThatOnlyTheEndMarkIsMissing)
