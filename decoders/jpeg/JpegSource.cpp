@@ -25,7 +25,7 @@ void JpegSource::StartOver(VornPlugin& object)
 {
     backlog_.StartOver(object);
     manager_.bytes_in_buffer = 0;
-    wasTooShort_ = false;
+    wasTooShort_ = true; // and the first scan, which ended with a mark, has all its rows
 }
 
 boolean JpegSource::Fill(j_decompress_ptr decoder)

@@ -89,6 +89,26 @@ TEST(JpegDamage, ShowsTheScansBeforeOneThatCannotBeReadHoweverTheyArrive)
     }
 }
 
+TEST(JpegDamage, ShowsAShortFirstScanTheSameHoweverItArrivesBeforeOneThatCannotBeRead)
+{
+    JpegSpec spec = Square();
+    spec.isProgressive = true;
+    Bytes file = WriteJpeg(spec);
+    const size_t second = FindMarker(file, 0xDA, 2);
+    const size_t shortEnd = FindMarker(file, 0xDA, 1) + 100;
+    file[second + 4] = 9; // components
+    file.erase(file.begin() + static_cast<ptrdiff_t>(shortEnd),
+               file.begin() + static_cast<ptrdiff_t>(second));
+    HostedImage atOnce(Bundle(), file);
+    EXPECT_EQ(atOnce.Decode(), kVornErrRenderFailed);
+    HostedImage inPieces(Bundle(), file);
+    // First up to where the second scan is seen to begin.
+    const auto all = static_cast<SInt32>(file.size());
+    inPieces.host.arrivals = {0, static_cast<SInt32>(shortEnd + 2), all};
+    EXPECT_EQ(inPieces.Decode(), kVornErrRenderFailed);
+    EXPECT_EQ(atOnce.Display(kSide, kSide), inPieces.Display(kSide, kSide));
+}
+
 TEST(JpegDamage, IsToldAsItWasThoughTheHostFailsWhenTheScansAreReadAgain)
 {
     JpegSpec spec = Square();
