@@ -20,7 +20,11 @@ SoundFile::SoundFile(const std::string& path)
               },
               [this](const SInt16* samples, size_t count) { wav_->Write(samples, count); }})
 {
-    const ToolboxSoundSink sink = {Open, Play, Close, this};
+    ToolboxSoundSink sink{};
+    sink.open = Open;
+    sink.play = Play;
+    sink.close = Close;
+    sink.refCon = this;
     SetSoundSink(&sink);
 }
 

@@ -35,17 +35,16 @@ public:
     {
         EnterMovies();
         SetToolboxClock([](void* self) { return static_cast<OpenedMovie*>(self)->now; }, this);
-        const ToolboxSoundSink sink = {
-            [](void* self, SInt32 rate, SInt32 channels) -> void* {
-                static_cast<OpenedMovie*>(self)->soundRate = rate;
-                static_cast<OpenedMovie*>(self)->soundChannels = channels;
-                return self;
-            },
-            [](void* self, void*, const SInt16* frames, SInt32 count, SInt64) {
-                auto* const page = static_cast<OpenedMovie*>(self);
-                page->sound.insert(page->sound.end(), frames, frames + count * page->soundChannels);
-            },
-            [](void*, void*) {}, this};
+        sink.refCon = this;
+        sink.open = [](void* self, SInt32 rate, SInt32 channels) -> void* {
+            static_cast<OpenedMovie*>(self)->soundRate = rate;
+            static_cast<OpenedMovie*>(self)->soundChannels = channels;
+            return self;
+        };
+        sink.play = [](void* self, void*, const SInt16* frames, SInt32 count, SInt64) {
+            auto* const page = static_cast<OpenedMovie*>(self);
+            page->sound.insert(page->sound.end(), frames, frames + count * page->soundChannels);
+        };
         SetSoundSink(&sink);
         const Rect bounds = {0, 0, 400, 500};
         EXPECT_EQ(CreateWindowPort(&bounds, &port), noErr);
@@ -181,6 +180,7 @@ public:
     CGrafPtr port = nullptr;
     Movie movie = nullptr;
     MovieController controller = nullptr;
+    ToolboxSoundSink sink{};
     std::vector<SInt16> sound;
     SInt32 soundRate = 0;
     SInt32 soundChannels = 0;

@@ -100,8 +100,9 @@ void AudioTrack::Append(const AVFrame& frame)
     }
     const int room = swr_get_out_samples(resampler_.get(), frame.nb_samples);
     const auto channels = static_cast<size_t>(channels_);
-    samples_.erase(samples_.begin(), samples_.begin() + static_cast<ptrdiff_t>(consumed_));
-    consumed_ = 0;
+    const size_t gone = consumed_ - std::min(consumed_, kept_);
+    samples_.erase(samples_.begin(), samples_.begin() + static_cast<ptrdiff_t>(gone));
+    consumed_ -= gone;
     const size_t before = samples_.size();
     samples_.resize(before + static_cast<size_t>(std::max(0, room)) * channels);
     auto* to = reinterpret_cast<UInt8*>(samples_.data() + before);
@@ -158,6 +159,25 @@ const std::vector<SInt16>& AudioTrack::TakeUpTo(Nanoseconds time, int volume)
         }
     }
     return out_;
+}
+
+void AudioTrack::KeepTaken(Nanoseconds duration)
+{
+    kept_ = static_cast<size_t>(av_rescale(duration, sampleRate_, kSecond)) *
+            static_cast<size_t>(channels_);
+}
+
+SInt64 AudioTrack::GiveBack(Nanoseconds time)
+{
+    if (start_ == kNoTime) {
+        return 0;
+    }
+    const SInt64 before = av_rescale(std::max<Nanoseconds>(0, time - start_), sampleRate_, kSecond);
+    const SInt64 kept = static_cast<SInt64>(consumed_) / channels_;
+    const SInt64 count = std::clamp<SInt64>(taken_ - before, 0, std::min(kept, taken_));
+    consumed_ -= static_cast<size_t>(count) * static_cast<size_t>(channels_);
+    taken_ -= count;
+    return count;
 }
 
 void AudioTrack::Flush(Nanoseconds start)

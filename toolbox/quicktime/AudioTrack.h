@@ -41,6 +41,11 @@ public:
     // Takes the frames that sound before `time`, `volume` (256: as they are) applied. Valid until
     // the next call. Channels() samples a frame.
     const std::vector<SInt16>& TakeUpTo(Nanoseconds time, int volume);
+    // Taken frames are kept for that long, so that they can be given back.
+    void KeepTaken(Nanoseconds duration);
+    // Frames that were taken but sound from `time` on are taken anew, as far as they were kept.
+    // Answers how many those are.
+    SInt64 GiveBack(Nanoseconds time);
     int SampleRate() const { return sampleRate_; }
     int Channels() const { return channels_; }
     // After Flush, before anything is decoded: where to begin instead.
@@ -63,6 +68,7 @@ private:
     int inputChannels_ = 0;
     std::vector<SInt16> samples_; // decoded, from `consumed_` on not taken yet
     size_t consumed_ = 0;
+    size_t kept_ = 0; // samples that stay when they have been taken
     std::vector<SInt16> out_;
     int sampleRate_ = 0;
     int channels_ = 0;

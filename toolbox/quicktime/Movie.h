@@ -100,6 +100,13 @@ private:
     Nanoseconds PreparePictures(Nanoseconds target);
     void TakeNextPicture();
     void PlaySoundUpTo(Nanoseconds time);
+    void OpenSound();
+    SInt64 ClockAt(Nanoseconds time) const;
+    bool MustPrepareSink() const;
+    void BeginSound();
+    bool IsRefilled();
+    void PlaySoundAhead();
+    void RecallSound();
     Nanoseconds EndOfPictures() const;
     Nanoseconds EndOfSound() const;
     void EndPlaying();
@@ -149,6 +156,8 @@ private:
     Nanoseconds playedEnd_ = kNoTime; // where playing ended, nothing being left
     void* sound_ = nullptr;           // the sink's stream
     bool isSoundOpen_ = false;
+    bool isSinkPrepared_ = false; // since time last began to run
+    Nanoseconds soundLead_ = 0;   // how long before it is due sound is given; 0: when it is due
     int volume_ = 256;
 
     Rect box_{};

@@ -2,7 +2,6 @@
 //
 // The part of a movie that moves: its clock and what is due by it.
 #include "toolbox/quicktime/Movie.h"
-#include "toolbox/quicktime/SoundOutput.h"
 
 #include <algorithm>
 
@@ -16,7 +15,6 @@ constexpr Nanoseconds kPerMicrosecond = 1000;
 constexpr SInt64 kSoundPieceMicroseconds = 100'000;
 // A track this far behind the other has ended early: the other does not wait for it.
 constexpr Nanoseconds kLostTrack = 3 * kSecond;
-constexpr int kFullVolume = 256;
 
 bool HasFallenBehind(Nanoseconds end, Nanoseconds endOfOther)
 {
@@ -39,11 +37,13 @@ void MovieRecord::Play()
         GoTo(0);
     }
     isPlaying_ = true;
+    isSinkPrepared_ = false;
     Anchor(time_);
 }
 
 void MovieRecord::Pause()
 {
+    RecallSound();
     isPlaying_ = false;
     isHeldUp_ = false;
 }
@@ -58,18 +58,30 @@ void MovieRecord::Anchor(Nanoseconds time)
 // when bytes are late: it stands still and goes on from there.
 void MovieRecord::PlayDue()
 {
-    const Nanoseconds target =
-        anchorTime_ + (ToolboxMicroseconds() - anchorClock_) * kPerMicrosecond;
+    if (isHeldUp_ && soundLead_ > 0) {
+        if (!IsRefilled()) {
+            return;
+        }
+        Anchor(time_);
+    }
+    const Nanoseconds elapsed = (ToolboxMicroseconds() - anchorClock_) * kPerMicrosecond;
+    const Nanoseconds target = anchorTime_ + std::max<Nanoseconds>(0, elapsed);
     // Held up, it stands at the end of what is there: only a look behind that tells whether more
     // has come, also when the clock has not moved since.
     const Nanoseconds looked = target + (isHeldUp_ ? 1 : 0);
     const Nanoseconds reached = PreparePictures(PrepareSound(looked));
-    PlaySoundUpTo(std::min(reached, target));
     isHeldUp_ = reached < looked;
-    if (isHeldUp_) {
-        Anchor(std::max(time_, std::min(reached, target)));
+    if (!isHeldUp_ && MustPrepareSink()) {
+        BeginSound();
     } else {
-        time_ = target;
+        PlaySoundUpTo(std::min(reached, target));
+        time_ = std::max(time_, std::min(reached, target));
+    }
+    if (isHeldUp_) {
+        RecallSound();
+        Anchor(time_);
+    } else {
+        PlaySoundAhead();
     }
     const bool picturesAreOver = !video_ || (video_->IsEnded() && video_->Next() == nullptr);
     const bool soundIsOver = !audio_ || audio_->DecodeUpTo(time_ + 1) == AudioTrack::Step::kEnded;
@@ -125,41 +137,6 @@ void MovieRecord::TakeNextPicture()
     }
 }
 
-void MovieRecord::PlaySoundUpTo(Nanoseconds time)
-{
-    if (!audio_ || audio_->Start() == kNoTime) {
-        return;
-    }
-    const Nanoseconds position = audio_->Position();
-    const std::vector<SInt16>& samples =
-        audio_->TakeUpTo(std::min(time, index_->StartOfPadding()), volume_);
-    if (samples.empty()) {
-        return;
-    }
-    const auto count =
-        static_cast<SInt32>(samples.size() / static_cast<size_t>(audio_->Channels()));
-    soundFrames_ += count;
-    const ToolboxSoundSink& sink = SoundSink();
-    if (!isSoundOpen_ && sink.open != nullptr) {
-        sound_ = sink.open(sink.refCon, audio_->SampleRate(), audio_->Channels());
-        isSoundOpen_ = true;
-    }
-    if (sound_ != nullptr && sink.play != nullptr) {
-        sink.play(sink.refCon, sound_, samples.data(), count,
-                  anchorClock_ + (position - anchorTime_) / kPerMicrosecond);
-    }
-}
-
-void MovieRecord::CloseSound()
-{
-    const ToolboxSoundSink& sink = SoundSink();
-    if (sound_ != nullptr && sink.close != nullptr) {
-        sink.close(sink.refCon, sound_);
-    }
-    sound_ = nullptr;
-    isSoundOpen_ = false;
-}
-
 MovieRecord::Nanoseconds MovieRecord::EndOfPictures() const
 {
     const Picture* const current = video_ ? video_->Current() : nullptr;
@@ -182,18 +159,13 @@ void MovieRecord::EndPlaying()
         PlaySoundUpTo(end);
         time_ = playedEnd_ = end;
         isAtEnd_ = true;
-        Pause();
+        isPlaying_ = isHeldUp_ = false; // the sink has all its sound, and it is due
     }
 }
 
 Nanoseconds MovieRecord::Time() const
 {
     return time_ - beginning_;
-}
-
-void MovieRecord::SetVolume(int volume)
-{
-    volume_ = std::clamp(volume, 0, kFullVolume);
 }
 
 SInt64 MovieRecord::NextDeadline() const

@@ -13,6 +13,7 @@ void MovieRecord::GoTo(Nanoseconds time)
     if (!isPlayable_ || isStopped_) {
         return;
     }
+    RecallSound();
     const Nanoseconds wanted =
         beginning_ + std::clamp<Nanoseconds>(time, 0, std::max<Nanoseconds>(0, LoadedDuration()));
     Restart(index_->FindKey(wanted));

@@ -102,6 +102,17 @@ typedef struct ToolboxSoundSink {
                  SInt64 atMicroseconds);
     void (*close)(void* refCon, void* stream);
     void* refCon;
+    /* For a sink that is heard. Those that follow may be null.
+     * A movie is about to sound: how many microseconds before they are due frames must be given to
+     * be heard in time. The movie begins that much later and gives its sound ahead from then on.
+     * Null: frames are given when they are due. */
+    SInt64 (*prepare)(void* refCon, void* stream);
+    /* Frames that were given are not to be heard if they are due from then on: the movie pauses,
+     * and gives them again when it goes on. Not null where `prepare` is not. */
+    void (*recall)(void* refCon, void* stream, SInt64 atMicroseconds);
+    /* How loud the stream is from now on: 0 to 256, which it is at first. Null: frames are given as
+     * loud as they are to be. */
+    void (*setVolume)(void* refCon, void* stream, SInt32 volume);
 } ToolboxSoundSink;
 /* Copies the sink; null: sound is decoded, counted and dropped. Set before movies play. */
 TOOLBOX_EXPORT void SetSoundSink(const ToolboxSoundSink* sink);
