@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// The page's sound as it is heard.
+// The machine's sound device.
 #pragma once
 
-#include "viewer/window/SoundStream.h"
-#include "viewer/window/WindowClock.h"
+#include "viewer/window/HeardSound.h"
+#include "viewer/window/PortionTimes.h"
 
 #include <SDL.h>
-#include <memory>
-#include <mutex>
 #include <optional>
-#include <vector>
 
 namespace viewer
 {
@@ -26,46 +23,27 @@ public:
     SoundDevice(const SoundDevice&) = delete;
     SoundDevice& operator=(const SoundDevice&) = delete;
 
-    // Leads the clock by what has been heard, and closes a device that has nothing to do. To be
-    // called after each round of work.
+    // Keeps clock and sound together, and closes a device that has nothing to do. To be called
+    // after each round of work.
     void Tend(WindowClock& clock);
     // When Tend has something to do though nothing else happens, by the real clock.
     std::optional<SInt64> NextTime() const { return nextTime_; }
     bool IsOpen() const { return device_ != 0; }
 
 private:
-    static void* OpenStream(void* self, SInt32 sampleRate, SInt32 channels);
-    static void PlayStream(void* self, void* stream, const SInt16* frames, SInt32 count,
-                           SInt64 atMicroseconds);
-    static void CloseStream(void* self, void* stream);
+    static SoundDevice& Self(void* refCon) { return *static_cast<SoundDevice*>(refCon); }
     static void FillPortion(void* self, Uint8* bytes, int count);
-    void Fill(SInt16* samples, size_t count);
+    SInt64 Prepare();
+    bool Open();
+    void Close();
 
-    // What the device was about to play at a real time.
-    struct Reading {
-        const SoundStream* stream = nullptr;
-        int generation = 0;
-        SInt64 playing = 0;
-        SInt64 realTime = 0;
-    };
-    bool OpenDevice();
-    void CloseDevice();
-    void Read();
-    void Lead(WindowClock& clock, const Reading& reading);
-    bool IsSilent() const;
-
-    std::mutex mutex_; // streams_ and reading_ belong to the device's thread as well
-    std::vector<std::unique_ptr<SoundStream>> streams_;
-    std::optional<Reading> reading_;
-
-    SoundFormat format_;
+    HeardSound sound_;
     SDL_AudioDeviceID device_ = 0;
     bool hasFailed_ = false;
-    std::vector<SInt32> sums_;
+    SInt64 portionTime_ = 0;
+    std::optional<PortionTimes> times_; // belongs to the device's thread while it is open
     std::optional<SInt64> nextTime_;    // none while no device is open
     std::optional<SInt64> silentSince_; // as far as Tend has seen
-    Reading base_;                      // since when …
-    SInt64 lag_ = 0;                    // … the sound has been this far behind the clock
 };
 
 } // namespace viewer

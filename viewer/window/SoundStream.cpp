@@ -12,12 +12,15 @@ namespace
 
 constexpr SInt64 kMicrosecondsPerSecond = 1'000'000;
 constexpr SInt32 kRampsPerSecond = 200; // 5 milliseconds each
-// What is gathered besides one piece: the device's own portion and how late a piece may be.
-constexpr SInt64 kFirstLead = 40'000;
-constexpr SInt64 kLeadStep = 20'000;
-constexpr SInt64 kMostLead = 300'000;
 // Pieces whose times differ by more than rounding do not belong together.
 constexpr SInt64 kTolerance = 1000;
+// Sound that is later than this, or that far from its time by and by, is brought back to it.
+// Whatever is less the page's clock makes up for.
+constexpr SInt64 kMostDeviation = 15'000;
+// A device that stands still takes nothing; more than this is not kept for it.
+constexpr SInt64 kMostWaiting = 3 * kMicrosecondsPerSecond;
+constexpr SInt32 kFullVolume = 256;
+constexpr SInt32 kFullLoudness = 1 << 16;
 
 // `part` of `whole` of a sample.
 SInt16 Faded(SInt16 sample, size_t part, size_t whole)
@@ -29,125 +32,189 @@ SInt16 Faded(SInt16 sample, size_t part, size_t whole)
 } // namespace
 
 SoundStream::SoundStream(SoundFormat from, SoundFormat to)
-    : from_(from), to_(to), converter_(from, to), lead_(kFirstLead)
+    : from_(from), to_(to), converter_(from, to), loudness_(kFullLoudness),
+      wantedLoudness_(kFullLoudness)
 {
 }
 
-void SoundStream::Add(const SInt16* frames, SInt32 count, SInt64 atMicroseconds)
+void SoundStream::Add(const SInt16* frames, SInt32 count, SInt64 at)
 {
-    std::vector<SInt16> piece = converter_.Convert(frames, count);
-    largestPiece_ = std::max(largestPiece_, piece.size() / static_cast<size_t>(to_.channels));
-    const bool follows = nextTime_ && std::abs(atMicroseconds - *nextTime_) <= kTolerance;
-    const bool wasDry = std::exchange(ranDry_, false);
+    const bool follows =
+        !stretches_.empty() && !stretches_.back().isFaded && std::abs(at - nextTime_) <= kTolerance;
     if (!follows) {
-        Splice(piece);
-    } else if (wasDry) {
-        lead_ = std::min(lead_ + kLeadStep, kMostLead);
+        if (!stretches_.empty()) {
+            FadeOut(stretches_.back());
+        }
+        converter_ = StreamConverter(from_, to_);
+        stretches_.emplace_back().start = at;
     }
-    samples_.erase(samples_.begin(), samples_.begin() + static_cast<ptrdiff_t>(head_));
-    head_ = 0;
-    samples_.insert(samples_.end(), piece.begin(), piece.end());
-    nextTime_ = atMicroseconds + count * kMicrosecondsPerSecond / from_.rate;
+    Stretch& stretch = stretches_.back();
+    stretch.samples.erase(stretch.samples.begin(),
+                          stretch.samples.begin() + static_cast<ptrdiff_t>(stretch.head));
+    stretch.head = 0;
+    const std::vector<SInt16> piece = converter_.Convert(frames, count);
+    stretch.samples.insert(stretch.samples.end(), piece.begin(), piece.end());
+    nextTime_ = at + count * kMicrosecondsPerSecond / from_.rate;
+    if (DurationOf(Waiting(stretch)) > kMostWaiting) {
+        Recall(INT64_MIN);
+    }
 }
 
-// What waits ends with a ramp, and what follows begins with one.
-void SoundStream::Splice(std::vector<SInt16>& following)
+// What sounds goes on for as long as it takes to fade out.
+void SoundStream::Recall(SInt64 at)
 {
-    ++generation_;
-    if (Frames() == 0) {
+    while (!stretches_.empty()) {
+        Stretch& last = stretches_.back();
+        const bool sounds = isSounding_ && stretches_.size() == 1;
+        const SInt64 due = DueTime(last);
+        const size_t before = at <= due ? 0 : FramesIn(at - due);
+        if (before >= Waiting(last)) {
+            return;
+        }
+        Cut(last, std::max(before, sounds ? RampFrames() : 0));
+        if (Waiting(last) > 0) {
+            return;
+        }
+        stretches_.pop_back();
+        isSounding_ = isSounding_ && !stretches_.empty();
+    }
+}
+
+// What is longer than that ends there, with a ramp.
+void SoundStream::Cut(Stretch& stretch, size_t frames)
+{
+    const bool endsSoon = stretch.isFaded && Waiting(stretch) <= frames + RampFrames();
+    if (frames < Waiting(stretch) && (!endsSoon || frames == 0)) {
+        stretch.samples.resize(stretch.head + frames * static_cast<size_t>(to_.channels));
+        stretch.isFaded = false;
+    }
+    FadeOut(stretch);
+}
+
+void SoundStream::FadeOut(Stretch& stretch)
+{
+    if (std::exchange(stretch.isFaded, true)) {
         return;
     }
-    FadeOut(Frames());
     const auto channels = static_cast<size_t>(to_.channels);
-    const size_t ramp = std::min(RampFrames(), following.size() / channels);
-    for (size_t i = 0; i < ramp * channels; ++i) {
-        following[i] = Faded(following[i], i / channels, ramp);
-    }
-}
-
-// The frames before `end`, counted from the next one to leave.
-void SoundStream::FadeOut(size_t end)
-{
-    const auto channels = static_cast<size_t>(to_.channels);
-    const size_t ramp = std::min(RampFrames(), end);
-    SInt16* const first = samples_.data() + head_ + (end - ramp) * channels;
+    const size_t ramp = std::min(RampFrames(), Waiting(stretch));
+    SInt16* const first = stretch.samples.data() + stretch.samples.size() - ramp * channels;
     for (size_t i = 0; i < ramp * channels; ++i) {
         first[i] = Faded(first[i], ramp - 1 - i / channels, ramp);
     }
 }
 
-void SoundStream::Mix(SInt32* sums, size_t frames)
+void SoundStream::SetVolume(SInt32 volume)
 {
-    if (!isSounding_ && !MayStart(frames)) {
-        return;
-    }
-    if (Frames() >= frames + RampFrames()) {
-        Take(sums, frames);
-        return;
-    }
-    const size_t rest = std::min(Frames(), frames);
-    FadeOut(rest);
-    Take(sums, rest);
-    RunDry();
+    wantedLoudness_ = std::clamp(volume, 0, kFullVolume) * (kFullLoudness / kFullVolume);
 }
 
-// Sound that is shorter than what is gathered sounds when that time has passed.
-bool SoundStream::MayStart(size_t frames)
+void SoundStream::Mix(SInt32* sums, size_t frames, SInt64 heardAt)
 {
-    if (Frames() == 0) {
-        return false;
+    const auto channels = static_cast<size_t>(to_.channels);
+    for (size_t done = 0; done < frames && !stretches_.empty();) {
+        const SInt64 now = heardAt + DurationOf(done);
+        done += isSounding_ ? Sound(sums + done * channels, now, frames - done)
+                            : Await(now, frames - done);
     }
-    waited_ += frames;
-    isSounding_ = isEnded_ || Frames() >= LeadFrames() || waited_ > LeadFrames();
-    if (isSounding_) {
-        faded_ = 0;
-        ++generation_;
-    }
-    return isSounding_;
 }
 
-void SoundStream::Take(SInt32* sums, size_t frames)
+// How many frames of silence there are before the first stretch begins. One that is late begins
+// where it would be by now.
+size_t SoundStream::Await(SInt64 heardAt, size_t frames)
+{
+    Stretch& stretch = stretches_.front();
+    const SInt64 wait = DueTime(stretch) - heardAt;
+    if (wait < -kMostDeviation) {
+        Drop(stretch, FramesIn(-wait));
+    }
+    if (Waiting(stretch) == 0) {
+        stretches_.pop_front();
+        return 0;
+    }
+    const size_t silence = wait > 0 ? FramesIn(wait) : 0;
+    if (silence >= frames) {
+        return frames;
+    }
+    isSounding_ = true;
+    faded_ = 0;
+    loudness_ = wantedLoudness_;
+    return silence;
+}
+
+// How many frames there were.
+size_t SoundStream::Sound(SInt32* sums, SInt64 heardAt, size_t frames)
+{
+    const SInt64 late = heardAt - DueTime(stretches_.front());
+    if (std::abs(late) > kMostDeviation && !stretches_.front().isFaded) {
+        ComeBackToTime(late);
+    }
+    // The end is known only when nothing is left: a ramp is held back for it.
+    Stretch& stretch = stretches_.front();
+    if (Waiting(stretch) < frames + RampFrames()) {
+        FadeOut(stretch);
+    }
+    const size_t count = std::min(frames, Waiting(stretch));
+    Take(stretch, sums, count);
+    if (Waiting(stretch) == 0) {
+        stretches_.pop_front();
+        isSounding_ = false;
+    }
+    return count;
+}
+
+// The first stretch ends, and what is not late in it becomes one of its own.
+void SoundStream::ComeBackToTime(SInt64 late)
+{
+    Stretch& first = stretches_.front();
+    Stretch rest = first;
+    Drop(rest, RampFrames() + (late > 0 ? FramesIn(late) : 0));
+    rest.start = DueTime(rest);
+    rest.left = 0;
+    Cut(first, RampFrames());
+    if (Waiting(rest) > 0) {
+        stretches_.insert(stretches_.begin() + 1, std::move(rest));
+    }
+}
+
+void SoundStream::Drop(Stretch& stretch, size_t frames) const
+{
+    const size_t count = std::min(frames, Waiting(stretch));
+    stretch.head += count * static_cast<size_t>(to_.channels);
+    stretch.left += count;
+}
+
+void SoundStream::Take(Stretch& stretch, SInt32* sums, size_t frames)
 {
     const auto channels = static_cast<size_t>(to_.channels);
     const size_t ramp = RampFrames();
+    const SInt32 step = kFullLoudness / static_cast<SInt32>(ramp) + 1;
+    const SInt16* sample = stretch.samples.data() + stretch.head;
     for (size_t frame = 0; frame < frames; ++frame) {
-        for (size_t channel = 0; channel < channels; ++channel) {
-            const SInt16 sample = samples_[head_ + frame * channels + channel];
-            sums[frame * channels + channel] +=
-                faded_ < ramp ? Faded(sample, faded_, ramp) : sample;
+        loudness_ += std::clamp(wantedLoudness_ - loudness_, -step, step);
+        for (size_t channel = 0; channel < channels; ++channel, ++sample, ++sums) {
+            const auto loud = static_cast<SInt16>(SInt64{*sample} * loudness_ / kFullLoudness);
+            *sums += faded_ < ramp ? Faded(loud, faded_, ramp) : loud;
         }
         faded_ += faded_ < ramp ? 1 : 0;
     }
-    head_ += frames * channels;
-}
-
-void SoundStream::RunDry()
-{
-    samples_.clear();
-    head_ = 0;
-    waited_ = 0;
-    isSounding_ = false;
-    ranDry_ = true;
-    ++generation_;
+    Drop(stretch, frames);
 }
 
 void SoundStream::End()
 {
     isEnded_ = true;
-    const auto channels = static_cast<size_t>(to_.channels);
-    if (!isSounding_) {
-        RunDry();
-    } else if (Frames() > RampFrames()) {
-        samples_.resize(head_ + RampFrames() * channels);
-    }
+    Recall(INT64_MIN);
 }
 
-std::optional<SInt64> SoundStream::PlayingTime() const
+std::optional<SInt64> SoundStream::DueTime() const
 {
-    if (!isSounding_ || !nextTime_) {
-        return std::nullopt;
-    }
-    return *nextTime_ - DurationOf(Frames());
+    return isSounding_ ? std::optional<SInt64>(DueTime(stretches_.front())) : std::nullopt;
+}
+
+SInt64 SoundStream::DueTime(const Stretch& stretch) const
+{
+    return stretch.start + DurationOf(stretch.left);
 }
 
 size_t SoundStream::RampFrames() const
@@ -155,19 +222,19 @@ size_t SoundStream::RampFrames() const
     return static_cast<size_t>(std::max(1, to_.rate / kRampsPerSecond));
 }
 
-size_t SoundStream::Frames() const
+size_t SoundStream::Waiting(const Stretch& stretch) const
 {
-    return (samples_.size() - head_) / static_cast<size_t>(to_.channels);
-}
-
-size_t SoundStream::LeadFrames() const
-{
-    return largestPiece_ + static_cast<size_t>(lead_ * to_.rate / kMicrosecondsPerSecond);
+    return (stretch.samples.size() - stretch.head) / static_cast<size_t>(to_.channels);
 }
 
 SInt64 SoundStream::DurationOf(size_t frames) const
 {
     return static_cast<SInt64>(frames) * kMicrosecondsPerSecond / to_.rate;
+}
+
+size_t SoundStream::FramesIn(SInt64 duration) const
+{
+    return static_cast<size_t>(duration * to_.rate / kMicrosecondsPerSecond);
 }
 
 } // namespace viewer

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 namespace viewer
 {
@@ -23,7 +24,7 @@ SInt64 ReadWindowClock(void* clock)
 
 } // namespace
 
-WindowClock::WindowClock() : realBase_(RealNow())
+WindowClock::WindowClock(SInt64 (*realNow)()) : realNow_(realNow), line_{realNow()}
 {
     SetToolboxClock(ReadWindowClock, this);
 }
@@ -40,17 +41,17 @@ SInt64 WindowClock::RealNow()
         .count();
 }
 
-SInt64 WindowClock::At(SInt64 realTime) const
+SInt64 WindowClock::RealDuration(SInt64 duration) const
 {
-    return base_ + static_cast<SInt64>(static_cast<double>(realTime - realBase_) * rate_);
+    return static_cast<SInt64>(std::ceil(static_cast<double>(duration) / line_.rate));
 }
 
 void WindowClock::Correct(SInt64 ahead, SInt64 realTime)
 {
-    base_ = std::max(base_, At(realTime));
-    realBase_ = realTime;
+    line_.base = std::max(line_.base, At(realTime));
+    line_.realBase = realTime;
     const double seconds = static_cast<double>(ahead) / kMicrosecondsPerSecond;
-    rate_ = 1 - std::clamp(seconds * kShareOfASecond, -kMostDeviation, kMostDeviation);
+    line_.rate = 1 - std::clamp(seconds * kShareOfASecond, -kMostDeviation, kMostDeviation);
 }
 
 } // namespace viewer

@@ -175,8 +175,9 @@ void WindowRun::Sleep()
         mayHaveEvents_ = SDL_WaitEvent(nullptr) != 0;
         return;
     }
-    const SInt64 wait = next - clock_.Now() + kMicrosecondsPerMillisecond - 1;
-    const SInt64 milliseconds = wait / kMicrosecondsPerMillisecond;
+    const SInt64 wait = clock_.RealDuration(next - clock_.Now());
+    const SInt64 milliseconds =
+        (wait + kMicrosecondsPerMillisecond - 1) / kMicrosecondsPerMillisecond;
     const auto timeout = static_cast<int>(std::clamp<SInt64>(milliseconds, 1, INT32_MAX));
     mayHaveEvents_ = SDL_WaitEventTimeout(nullptr, timeout) != 0;
 }

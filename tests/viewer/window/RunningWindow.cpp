@@ -82,7 +82,8 @@ HiddenScreen::~HiddenScreen()
     waitpid(server_, nullptr, 0);
 }
 
-RunningWindow::RunningWindow(const HiddenScreen& screen, const std::vector<std::string>& arguments)
+RunningWindow::RunningWindow(const HiddenScreen& screen, const std::vector<std::string>& arguments,
+                             const std::string& sound)
     : screen_(screen)
 {
     std::filesystem::create_directory(folder_.Path("tmp"));
@@ -98,7 +99,8 @@ RunningWindow::RunningWindow(const HiddenScreen& screen, const std::vector<std::
     if (program_ == 0) {
         setenv("DISPLAY", screen.Name().c_str(), 1);
         setenv("TMPDIR", folder_.Path("tmp").c_str(), 1);
-        setenv("SDL_AUDIODRIVER", "dummy", 1);
+        setenv("SDL_AUDIODRIVER", sound.c_str(), 1);
+        setenv("SDL_DISKAUDIOFILE", "/nonexistent/sound", 1);
         unsetenv("SDL_VIDEODRIVER");
         unsetenv("WAYLAND_DISPLAY");
         setenv("LSAN_OPTIONS", leaks.c_str(), 1);

@@ -36,8 +36,10 @@ private:
 class RunningWindow
 {
 public:
-    // The window takes the whole screen, so that places in it are places on the screen.
-    RunningWindow(const HiddenScreen& screen, const std::vector<std::string>& arguments);
+    // The window takes the whole screen, so that places in it are places on the screen. `sound` is
+    // SDL's name of the way to the sound device.
+    RunningWindow(const HiddenScreen& screen, const std::vector<std::string>& arguments,
+                  const std::string& sound = "dummy");
     // Kills what still runs.
     ~RunningWindow();
     RunningWindow(const RunningWindow&) = delete;

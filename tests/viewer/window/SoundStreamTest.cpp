@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <random>
 
 namespace
 {
@@ -15,32 +16,30 @@ using Sums = std::vector<SInt32>;
 // Sound of full loudness, so that every step in it is a click.
 constexpr SInt16 kLoud = 20000;
 constexpr SInt32 kRate = 10000;
-constexpr SInt32 kPiece = 300; // 30 milliseconds
-constexpr SInt64 kPieceTime = 30'000;
+constexpr SInt64 kFrameTime = 100; // microseconds
+constexpr SInt32 kPiece = 300;     // 30 milliseconds
 constexpr size_t kPortion = 200;
+constexpr SInt64 kPortionTime = 20'000;
+constexpr SInt64 kStart = 1'000'000;
 
 class SoundStreamTest : public testing::Test
 {
 protected:
-    // The next piece that follows without a gap.
-    void AddPiece(SInt16 level = kLoud)
+    // The next pieces that follow without a gap.
+    void AddPieces(int count, SInt16 level = kLoud)
     {
         const std::vector<SInt16> frames(kPiece, level);
-        stream.Add(frames.data(), kPiece, time);
-        time += kPieceTime;
-    }
-    void AddPieces(int count)
-    {
         for (int i = 0; i < count; ++i) {
-            AddPiece();
+            stream.Add(frames.data(), kPiece, time);
+            time += kPiece * kFrameTime;
         }
     }
     // What the device gets, portion after portion.
     void Play(int portions)
     {
-        for (int i = 0; i < portions; ++i) {
+        for (int i = 0; i < portions; ++i, heardAt += kPortionTime) {
             Sums sums(kPortion);
-            stream.Mix(sums.data(), kPortion);
+            stream.Mix(sums.data(), kPortion, heardAt);
             heard.insert(heard.end(), sums.begin(), sums.end());
         }
     }
@@ -55,11 +54,18 @@ protected:
     // A ramp's steps.
     SInt32 LargestGentleStep() const
     {
-        return kLoud / static_cast<SInt32>(stream.RampFrames()) + 1;
+        return kLoud / static_cast<SInt32>(stream.RampFrames()) + 2;
+    }
+    // The number of the first frame that is heard.
+    ptrdiff_t FirstHeard() const
+    {
+        return std::find_if(heard.begin(), heard.end(), [](SInt32 sum) { return sum != 0; }) -
+               heard.begin();
     }
 
     SoundStream stream{{kRate, 1}, {kRate, 1}};
-    SInt64 time = 1'000'000;
+    SInt64 time = kStart;    // when the next piece is due
+    SInt64 heardAt = kStart; // when the next portion is heard
     Sums heard;
 };
 
@@ -67,24 +73,69 @@ TEST_F(SoundStreamTest, IsSilentBeforeAnythingComes)
 {
     Play(2);
     EXPECT_EQ(heard, Sums(2 * kPortion));
-    EXPECT_EQ(stream.PlayingTime(), std::nullopt);
+    EXPECT_EQ(stream.DueTime(), std::nullopt);
 }
 
-TEST_F(SoundStreamTest, GathersMoreThanOnePieceBeforeItSounds)
+TEST_F(SoundStreamTest, SoundsWhenItIsDue)
 {
-    AddPiece();
+    time += 33'300;
+    AddPieces(5);
+    Play(4);
+    EXPECT_EQ(FirstHeard(), 333 + 1); // the ramp's first frame is silent
+}
+
+TEST_F(SoundStreamTest, WhatComesTooLateBeginsWhereItWouldBeByThen)
+{
+    heardAt += 50'000;
+    AddPieces(5);
     Play(1);
+    EXPECT_EQ(stream.DueTime(), heardAt);
+}
+
+TEST_F(SoundStreamTest, WhatIsLateByVeryLittleIsHeardAsAWhole)
+{
+    heardAt += 4'000;
+    AddPieces(5);
+    Play(1);
+    EXPECT_EQ(stream.DueTime(), heardAt - 4'000);
+}
+
+TEST_F(SoundStreamTest, WhatIsMuchTooLateIsNotHeard)
+{
+    AddPieces(5);
+    heardAt += 1'000'000;
+    Play(1);
+    EXPECT_TRUE(stream.IsSilent());
     EXPECT_EQ(heard, Sums(kPortion));
-    AddPieces(2);
-    Play(1);
-    EXPECT_NE(heard.back(), 0);
 }
 
-TEST_F(SoundStreamTest, SoundShorterThanWhatIsGatheredIsHeardToo)
+TEST_F(SoundStreamTest, ComesBackToItsTimeAfterTheDeviceStoodStill)
 {
-    AddPiece();
-    Play(10);
-    EXPECT_EQ(*std::max_element(heard.begin(), heard.end()), kLoud);
+    AddPieces(20);
+    Play(2);
+    heardAt += 100'000;
+    Play(2);
+    EXPECT_EQ(stream.DueTime(), heardAt);
+    EXPECT_LE(LargestStep(), LargestGentleStep());
+}
+
+TEST_F(SoundStreamTest, WaitsForItsTimeAfterTheDeviceHurried)
+{
+    AddPieces(20);
+    Play(4);
+    heardAt -= 60'000;
+    Play(6);
+    EXPECT_EQ(stream.DueTime(), heardAt);
+    EXPECT_LE(LargestStep(), LargestGentleStep());
+}
+
+TEST_F(SoundStreamTest, LeavesSmallDeviationsToTheClock)
+{
+    AddPieces(20);
+    Play(2);
+    heardAt += 10'000;
+    Play(2);
+    EXPECT_EQ(stream.DueTime(), heardAt - 10'000);
 }
 
 TEST_F(SoundStreamTest, BeginsAndEndsWithoutAClick)
@@ -99,7 +150,6 @@ TEST_F(SoundStreamTest, BeginsAndEndsWithoutAClick)
 TEST_F(SoundStreamTest, NothingIsMissingWhilePiecesFollowInTime)
 {
     AddPieces(4);
-    Play(1);
     for (int i = 0; i < 20; ++i) { // two pieces are as long as three portions
         AddPieces(2);
         Play(3);
@@ -113,53 +163,62 @@ TEST_F(SoundStreamTest, AJumpToElsewhereDoesNotClick)
     AddPieces(6);
     Play(2);
     time += 12'345;
-    AddPiece(-kLoud);
-    AddPiece(-kLoud);
+    AddPieces(2, -kLoud);
     Play(15);
     EXPECT_EQ(*std::min_element(heard.begin(), heard.end()), -kLoud);
     EXPECT_LE(LargestStep(), LargestGentleStep());
 }
 
-TEST_F(SoundStreamTest, APauseInMidSoundDoesNotClick)
+TEST_F(SoundStreamTest, WhatIsRecalledIsSilentARampLater)
 {
-    AddPieces(6);
-    Play(12);
-    time += 2'000'000;
-    AddPieces(6);
-    Play(12);
+    AddPieces(20);
+    Play(3);
+    stream.Recall(kStart);
+    Play(1);
+    EXPECT_TRUE(stream.IsSilent());
+    const auto silence = heard.begin() + 3 * kPortion + static_cast<ptrdiff_t>(stream.RampFrames());
+    EXPECT_TRUE(std::all_of(silence, heard.end(), [](SInt32 sum) { return sum == 0; }));
     EXPECT_LE(LargestStep(), LargestGentleStep());
 }
 
-TEST_F(SoundStreamTest, WhatComesTooLateIsWaitedForLongerTheNextTime)
+TEST_F(SoundStreamTest, WhatIsDueBeforeTheRecallIsStillHeard)
 {
-    const auto portionsUntilSound = [this] {
-        heard.clear();
-        int portions = 0;
-        while (heard.empty() || heard.back() == 0) {
-            if (portions > 0 || !stream.IsSilent()) {
-                AddPiece();
-            }
-            Play(1);
-            if (++portions > 50) {
-                break;
-            }
-        }
-        return portions;
-    };
-    AddPiece();
-    const int first = portionsUntilSound();
-    Play(50);   // runs dry …
-    AddPiece(); // … and the sound goes on at the same place of the movie
-    const int second = portionsUntilSound();
-    EXPECT_GE(second, first);
-    EXPECT_LT(second, 50);
+    AddPieces(20);
+    Play(1);
+    stream.Recall(kStart + 3 * kPortionTime);
+    Play(2);
+    EXPECT_NE(heard[3 * kPortion - 2], 0);
+    Play(1);
+    EXPECT_TRUE(stream.IsSilent());
 }
 
-TEST_F(SoundStreamTest, TellsWhichTimeOfThePageIsHeard)
+TEST_F(SoundStreamTest, WhatIsRecalledBeforeItSoundsIsNeverHeard)
 {
-    AddPieces(10);
-    Play(3);
-    EXPECT_EQ(stream.PlayingTime(), 1'000'000 + 3 * SInt64{kPortion} * 1'000'000 / kRate);
+    time += 100'000;
+    AddPieces(5);
+    stream.Recall(0);
+    EXPECT_TRUE(stream.IsSilent());
+}
+
+TEST_F(SoundStreamTest, AChangeOfVolumeIsARamp)
+{
+    AddPieces(20);
+    Play(2);
+    stream.SetVolume(64);
+    Play(2);
+    EXPECT_EQ(heard.back(), kLoud / 4);
+    stream.SetVolume(256);
+    Play(2);
+    EXPECT_EQ(heard.back(), kLoud);
+    EXPECT_LE(LargestStep(), LargestGentleStep());
+}
+
+TEST_F(SoundStreamTest, ItsFirstVolumeNeedsNoRamp)
+{
+    stream.SetVolume(0);
+    AddPieces(5);
+    Play(2);
+    EXPECT_EQ(heard, Sums(2 * kPortion));
 }
 
 TEST_F(SoundStreamTest, WhatIsEndedFadesOutSoon)
@@ -167,10 +226,18 @@ TEST_F(SoundStreamTest, WhatIsEndedFadesOutSoon)
     AddPieces(20);
     Play(2);
     stream.End();
-    Play(3);
+    Play(1);
     EXPECT_TRUE(stream.IsEnded());
     EXPECT_EQ(heard.back(), 0);
     EXPECT_LE(LargestStep(), LargestGentleStep());
+}
+
+TEST_F(SoundStreamTest, KeepsNoMoreThanSecondsForADeviceThatTakesNothing)
+{
+    AddPieces(99);
+    EXPECT_FALSE(stream.IsSilent());
+    AddPieces(2);
+    EXPECT_TRUE(stream.IsSilent());
 }
 
 TEST_F(SoundStreamTest, IsAddedToWhatIsThere)
@@ -178,8 +245,43 @@ TEST_F(SoundStreamTest, IsAddedToWhatIsThere)
     AddPieces(10);
     Play(2);
     Sums sums(kPortion, 7);
-    stream.Mix(sums.data(), kPortion);
+    stream.Mix(sums.data(), kPortion, heardAt);
     EXPECT_EQ(sums, Sums(kPortion, kLoud + 7));
+}
+
+// Whatever a user does, and however late everything is.
+TEST_F(SoundStreamTest, NeverClicks)
+{
+    std::mt19937 random(4711);
+    const auto choose = [&](int least, int most) {
+        return std::uniform_int_distribution<int>(least, most)(random);
+    };
+    for (int step = 0; step < 20'000; ++step) {
+        switch (choose(0, 9)) {
+        case 0:
+            stream.SetVolume(choose(0, 256));
+            break;
+        case 1:
+            stream.Recall(heardAt + choose(-50'000, 50'000));
+            time = heardAt + choose(-50'000, 100'000);
+            break;
+        case 2:
+            heardAt += choose(-30'000, 60'000);
+            break;
+        case 3:
+            time = heardAt + choose(-60'000, 60'000);
+            AddPieces(choose(1, 3));
+            break;
+        default:
+            if (time < heardAt + 100'000) {
+                AddPieces(choose(1, 2));
+            }
+        }
+        Play(1);
+    }
+    EXPECT_EQ(*std::max_element(heard.begin(), heard.end()), kLoud);
+    // A ramp of the volume may meet that of a beginning or an end.
+    EXPECT_LE(LargestStep(), 2 * LargestGentleStep());
 }
 
 TEST(SoundStream, IsBroughtToTheDevicesFormat)
@@ -189,10 +291,10 @@ TEST(SoundStream, IsBroughtToTheDevicesFormat)
     stream.Add(frames.data(), 3000, 0);
     stream.Add(frames.data(), 3000, 300'000);
     Sums sums(2 * 4000);
-    stream.Mix(sums.data(), 4000);
+    stream.Mix(sums.data(), 4000, 0);
     EXPECT_EQ(sums[2 * 3999], kLoud);
     EXPECT_EQ(sums[2 * 3999 + 1], kLoud);
-    EXPECT_EQ(stream.PlayingTime(), 200'000 + 50); // the last frame waits for its successor
+    EXPECT_EQ(stream.DueTime(), 200'000);
 }
 
 } // namespace

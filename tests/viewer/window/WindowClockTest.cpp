@@ -44,6 +44,16 @@ TEST(WindowClock, RunsFasterWhereItIsBehindTheSound)
     EXPECT_NEAR(static_cast<double>(clock.At(now + kSecond) - clock.At(now)), 1'010'000, 1);
 }
 
+TEST(WindowClock, TellsHowLongToSleepWhereItIsSlower)
+{
+    WindowClock clock;
+    const SInt64 now = WindowClock::RealNow();
+    clock.Correct(40'000, now);
+    const SInt64 sleep = clock.RealDuration(kSecond);
+    EXPECT_GE(clock.At(now + sleep) - clock.At(now), kSecond - 1);
+    EXPECT_LE(clock.At(now + sleep) - clock.At(now), kSecond + 1);
+}
+
 TEST(WindowClock, NeverDeviatesSoFarThatItIsSeen)
 {
     WindowClock clock;

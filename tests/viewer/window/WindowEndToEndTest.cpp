@@ -295,4 +295,25 @@ TEST_F(WindowEndToEnd, SeveralMoviesPlayTogether)
     }
 }
 
+// A machine without sound, and one whose device cannot be opened.
+class WithoutSound : public WindowEndToEnd, public testing::WithParamInterface<const char*>
+{
+};
+
+TEST_P(WithoutSound, PicturesPlayOnAndTheUserIsToldOnce)
+{
+    RunningWindow window(*screen, {"--play", Clip("mpeg1.mpg"), Clip("mpeg2.mpg"), "--until", "3"},
+                         GetParam());
+    const RunningWindow::Result result = window.WaitForEnd();
+    EXPECT_EQ(result.status, 0);
+    for (const auto& object : result.report["objects"]) {
+        EXPECT_GT(object["pictures_shown"].get<int>() + object["pictures_dropped"].get<int>(), 60);
+    }
+    EXPECT_THAT(result.err, HasSubstr("no sound can be heard ("));
+    EXPECT_THAT(result.err, HasSubstr("movies play without it"));
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+}
+
+INSTANTIATE_TEST_SUITE_P(Devices, WithoutSound, testing::Values("none", "disk"));
+
 } // namespace
