@@ -84,13 +84,45 @@ TEST(ScaledCopy, AveragesWhereItShrinksAndTakesTheNearestWhereItEnlarges)
     }
 }
 
+TEST(ScaledCopy, HalvesToTheNearestAverageOfFour)
+{
+    std::mt19937 random(6);
+    const Rect to = {-3, 2, 12, 302}; // what it is of is wider than copies are made in one piece
+    for (const int depth : {1, 8, 16, 32}) {
+        for (const Rect& bounds : {Rect{0, 0, 30, 600}, Rect{2, 5, 27, 597}}) {
+            const Rect from = {0, 0, 30, 600}; // of which the second has a part only
+            const OwnedWorld source = MakeWorld(depth, bounds);
+            const OwnedWorld target = MakeWorld(32, to);
+            reference::FillWithNoise(source, random);
+            CopyBits(BitsOf(source), BitsOf(target), &from, &to, srcCopy, nullptr);
+            for (int v = to.top + 1; v < to.bottom - 2; ++v) {
+                for (int h = to.left + 3; h < to.right - 2; ++h) {
+                    const Components color = ColorAt(BitsOf(target), v, h);
+                    Components sum = {};
+                    for (int k = 0; k < 4; ++k) {
+                        const Components one = ColorAt(BitsOf(source), 2 * (v - to.top) + k / 2,
+                                                       2 * (h - to.left) + k % 2);
+                        for (size_t i = 0; i < 3; ++i) {
+                            sum[i] += one[i];
+                        }
+                    }
+                    for (size_t i = 0; i < 3; ++i) {
+                        ASSERT_EQ(color[i], (sum[i] + 2) / 4)
+                            << depth << " bits, at " << v << ", " << h;
+                    }
+                }
+            }
+        }
+    }
+}
+
 TEST(ScaledCopy, DrawsTheSameInPartsAsAtOnce)
 {
     std::mt19937 random(4);
     const OwnedWorld source = MakeWorld(32, {0, 0, 50, 70});
     reference::FillWithNoise(source, random);
     const Rect from = {0, 0, 50, 70};
-    for (const Rect to : {Rect{1, 2, 33, 40}, Rect{-7, -9, 93, 131}}) {
+    for (const Rect to : {Rect{1, 2, 33, 40}, Rect{1, 2, 26, 37}, Rect{-7, -9, 93, 131}}) {
         const OwnedWorld whole = MakeWorld(16, {0, 0, 100, 130});
         const OwnedWorld parts = MakeWorld(16, {0, 0, 100, 130});
         CopyBits(BitsOf(source), BitsOf(whole), &from, &to, ditherCopy, nullptr);

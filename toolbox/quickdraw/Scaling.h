@@ -37,6 +37,7 @@ struct Axis {
 
     bool IsScaled() const { return fromSize != toSize; }
     bool Averages() const { return fromSize > toSize; }
+    bool Halves() const { return fromSize == 2 * toSize; }
     SourceRange RangeOf(int target) const;
 };
 
@@ -50,6 +51,10 @@ void AddToSums(const Color* row, float weight, const Color* nextRow, float nextW
 // the weight of the rows.
 void AverageSums(const float* sums, const SourceRange* columns, int count, float rowScale,
                  Color* colors);
+
+// The same where it is halving in both directions, for pixels of four bytes in whatever order:
+// `count` averages of two pixels each of both rows.
+void AverageFours(const UInt8* row, const UInt8* nextRow, int count, UInt8* averages);
 
 // Pixels of `depth` bits (8, 16 or 32) by their columns, as they are.
 void PickPixels(const UInt8* from, const SourceRange* columns, int depth, int count, UInt8* to);

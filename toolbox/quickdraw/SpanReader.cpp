@@ -151,6 +151,12 @@ void SpanReader::MakeRow(int v)
         PickColors(scratch_.fetched.data(), scratch_.columns.data(), count, scratch_.made.data());
         return;
     }
+    // Nothing that is missing at the edges makes a range smaller.
+    if (rows_.Halves() && columns_.Halves() && rows.last == rows.first + 1 &&
+        columnCount_ == 2 * count) {
+        HalveRow(rows.first);
+        return;
+    }
     SumRows(rows);
     AverageSums(scratch_.sums.data(), scratch_.columns.data(), count, rows.scale,
                 scratch_.made.data());
@@ -160,6 +166,29 @@ void SpanReader::FetchNearestRow(int row)
 {
     Fetch(row, firstColumn_, columnCount_, scratch_.fetched.data());
     fetchedRow_ = row;
+}
+
+// Colours are not made of pixels before they are averaged where that does not matter.
+void SpanReader::HalveRow(int row)
+{
+    const auto count = static_cast<int>(scratch_.columns.size());
+    auto* const made = reinterpret_cast<UInt8*>(scratch_.made.data());
+    if (view_.depth == 32 && tint_.IsNone() && weights_ == nullptr) {
+        const ptrdiff_t offset = ptrdiff_t{view_.Column(firstColumn_)} * 4;
+        AverageFours(view_.Row(row) + offset, view_.Row(row + 1) + offset, count, made);
+        FetchSpan(made, 32, 0, count, nullptr, scratch_.made.data());
+        return;
+    }
+    for (int done = 0; done < count; done += kSpan / 2) {
+        std::array<Color, kSpan> colors;
+        std::array<Color, kSpan> nextColors;
+        const int part = std::min(kSpan / 2, count - done);
+        FetchWeighted(row, firstColumn_ + 2 * done, 2 * part, colors.data());
+        FetchWeighted(row + 1, firstColumn_ + 2 * done, 2 * part, nextColors.data());
+        AverageFours(reinterpret_cast<const UInt8*>(colors.data()),
+                     reinterpret_cast<const UInt8*>(nextColors.data()), part,
+                     made + ptrdiff_t{4} * done);
+    }
 }
 
 // Two rows at a time, in pieces that stay in the nearest cache.

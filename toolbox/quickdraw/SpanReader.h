@@ -62,6 +62,7 @@ private:
     void Fetch(int row, int column, int count, Color* colors) const;
     void MakeRow(int v);
     void SumRows(const SourceRange& rows);
+    void HalveRow(int row);
     void FetchNearestRow(int row);
     void FetchWeighted(int row, int column, int count, Color* colors) const;
     bool HasAllPixels() const;
