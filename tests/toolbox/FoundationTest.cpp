@@ -255,6 +255,31 @@ TEST_F(Bundles, ReadBinaryListsToo)
     CFRelease(bundle);
 }
 
+TEST_F(Bundles, AZeroInAKeyIsNoDanger)
+{
+    // One dictionary with "k" and a zero, in 16 bits each, for a key and the value "v".
+    const std::string list(
+        "bplist00\xD1\x01\x02\x62\0k\0\0\x51v\x08\x0B\x10"
+        "\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x12",
+        53);
+    const CFBundleRef bundle = Bundle(list);
+    EXPECT_NE(nullptr, bundle);
+    CFRelease(bundle);
+}
+
+TEST_F(Bundles, AKeyOfMalformedTextIsNotTakenForAnother)
+{
+    // The key "k" and a byte that is no UTF-8.
+    const std::string list(
+        "bplist00\xD1\x01\x02\x52k\xA2\x51v\x08\x0B\x0E"
+        "\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x10",
+        51);
+    const CFBundleRef bundle = Bundle(list);
+    ASSERT_NE(nullptr, bundle);
+    EXPECT_EQ(nullptr, Value(bundle, "k"));
+    CFRelease(bundle);
+}
+
 TEST_F(Bundles, WithoutAListAreNone)
 {
     EXPECT_EQ(nullptr, Bundle());

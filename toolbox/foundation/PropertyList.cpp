@@ -15,9 +15,9 @@ namespace
 {
 
 constexpr size_t kMostBytes = size_t{256} * 1024;
-// The library and the conversion go as deep as the list is nested, and a file of the most bytes
-// can nest some ten thousand deep: more than the stack of whoever asks may hold.
-constexpr size_t kReadingStack = size_t{64} << 20;
+// The library and the conversion go as deep as the list is nested, which takes a few bytes a level:
+// more than the stack of whoever asks may hold.
+constexpr size_t kStackPerByte = 256;
 
 std::optional<std::string> ReadFile(const std::string& path)
 {
@@ -48,11 +48,25 @@ struct FreeWithLibc {
 
 Owned Convert(plist_t node);
 
-Owned ConvertString(plist_t node)
+std::string TextOf(plist_t string)
 {
     uint64_t length = 0;
-    const char* const text = plist_get_string_ptr(node, &length);
-    return Owned(new StringObject(std::string(text, text != nullptr ? length : 0)));
+    const char* const text = plist_get_string_ptr(string, &length);
+    return {text, text != nullptr ? length : 0};
+}
+
+// The text of an item's key, taken through a list of its own: asked for a key with a zero in it the
+// library ends the process. None if it is not that of the key, which then nobody can ask for.
+std::optional<std::string> KeyOf(plist_t item)
+{
+    const plist_t key = plist_dict_item_get_key(item);
+    char* bytes = nullptr;
+    uint32_t length = 0;
+    plist_to_bin(key, &bytes, &length);
+    const std::unique_ptr<char, FreeWithLibc> list(bytes);
+    const Nodes string = Parse(std::string(bytes, bytes != nullptr ? length : 0));
+    const std::string text = string != nullptr ? TextOf(string.get()) : "";
+    return plist_key_val_compare(key, text.c_str()) == 0 ? std::optional(text) : std::nullopt;
 }
 
 Owned ConvertArray(plist_t node)
@@ -78,14 +92,13 @@ Owned ConvertDictionary(plist_t node)
     plist_dict_new_iter(node, &start);
     const std::unique_ptr<void, FreeWithLibc> iterator(start);
     for (;;) {
-        char* name = nullptr;
         plist_t item = nullptr;
-        plist_dict_next_item(node, iterator.get(), &name, &item);
-        const std::unique_ptr<char, FreeWithLibc> key(name);
+        plist_dict_next_item(node, iterator.get(), nullptr, &item);
         if (item == nullptr) {
             return Owned(new DictionaryObject(std::move(values)));
         }
-        values.emplace(name, Convert(item));
+        if (const std::optional<std::string> key = KeyOf(item))
+            values.emplace(*key, Convert(item));
     }
 }
 
@@ -93,7 +106,7 @@ Owned Convert(plist_t node)
 {
     switch (plist_get_node_type(node)) {
     case PLIST_STRING:
-        return ConvertString(node);
+        return Owned(new StringObject(TextOf(node)));
     case PLIST_ARRAY:
         return ConvertArray(node);
     case PLIST_DICT:
@@ -117,7 +130,7 @@ Owned ReadPropertyList(const std::string& path)
             const Nodes nodes = Parse(*bytes);
             list = nodes != nullptr ? Convert(nodes.get()) : nullptr;
         },
-        kReadingStack);
+        bytes->size() * kStackPerByte);
     reading.Resume();
     return list;
 }
