@@ -139,6 +139,7 @@ TEST_F(Dispatch, RefusesARoutineWithoutAProcInfo)
         reinterpret_cast<ComponentFunction>(datahandler::FlushCache), 0};
     ComponentParameters params{};
     EXPECT_EQ(CallRoutine(routine, &params, nullptr), static_cast<ComponentResult>(0x80008002));
+    EXPECT_EQ(probe.Count("CallComponentFunctionWithStorageProcInfo"), 0) << "not even tried";
 }
 
 } // namespace
