@@ -46,6 +46,7 @@ void WritePng(CGrafPtr port, const std::string& path, const std::string& what)
     image.width = static_cast<png_uint_32>(width);
     image.height = static_cast<png_uint_32>(height);
     image.format = PNG_FORMAT_RGB;
+    image.flags = PNG_IMAGE_FLAG_FAST; // a third of the time for a quarter more bytes
     OutputFile file(path, what);
     errno = 0;
     if (png_image_write_to_stdio(&image, file.Stream(), 0, rgb.data(), 0, nullptr) == 0) {
