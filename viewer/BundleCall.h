@@ -3,8 +3,6 @@
 // A call into a bundle from the application thread.
 #pragma once
 
-#include "toolbox/threads/Threads.h"
-
 namespace viewer
 {
 
@@ -13,23 +11,14 @@ namespace viewer
 class BundleCall
 {
 public:
-    explicit BundleCall(void* owner) : formerOwner_(GetStatisticsOwner())
-    {
-        SetStatisticsOwner(owner);
-        ++depth_;
-    }
-    ~BundleCall()
-    {
-        --depth_;
-        SetStatisticsOwner(formerOwner_);
-    }
+    explicit BundleCall(void* owner);
+    ~BundleCall();
     BundleCall(const BundleCall&) = delete;
     BundleCall& operator=(const BundleCall&) = delete;
 
-    static bool IsApplicationInside() { return depth_ > 0; }
+    static bool IsApplicationInside();
 
 private:
-    static inline int depth_ = 0;
     void* formerOwner_;
 };
 

@@ -2,9 +2,10 @@
 #include "viewer/ByteSource.h"
 
 #include "viewer/FileSource.h"
-#include "viewer/HttpSource.h"
 #include "viewer/HttpUrl.h"
 #include "viewer/PipeSource.h"
+#include "viewer/ViewerPart.h"
+#include "viewer/web/WebPart.h"
 
 #include <cerrno>
 #include <cstring>
@@ -48,6 +49,14 @@ FileDescriptor Open(const std::string& location)
     return FileDescriptor(number);
 }
 
+std::unique_ptr<ByteSource> OpenUrl(const std::string& url)
+{
+    static const auto open = ViewerPart("VornWeb").Find<decltype(VornOpenUrl)>("VornOpenUrl");
+    std::unique_ptr<ByteSource> source;
+    open(url, source);
+    return source;
+}
+
 } // namespace
 
 SourceFailure FailureFromErrno(int number)
@@ -63,7 +72,7 @@ SourceFailure TooLargeFailure()
 std::unique_ptr<ByteSource> OpenSource(const std::string& location)
 {
     if (IsHttpUrl(location)) {
-        return std::make_unique<HttpSource>(location);
+        return OpenUrl(location);
     }
     FileDescriptor file = Open(location);
     struct stat status {

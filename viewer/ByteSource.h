@@ -58,7 +58,7 @@ private:
 };
 
 // A regular file, a FIFO or another stream by its path, or what is at an http or https URL; "-" is
-// standard input. Throws SourceFailure.
+// standard input. Throws SourceFailure, and PartMissing for a URL.
 std::unique_ptr<ByteSource> OpenSource(const std::string& location);
 
 } // namespace viewer

@@ -10,7 +10,7 @@ namespace viewer
 {
 
 // The document that an object of the command line is, if it is a file and a MIME document. Throws
-// SourceFailure for one that has nothing to show.
+// SourceFailure for one that has nothing to show, and PartMissing.
 std::optional<MimeDocument> OpenDocument(const ObjectRequest& request);
 
 } // namespace viewer

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/MimeDocument.h"
 
-#include "viewer/GMimePointer.h"
-#include "viewer/MimeWalk.h"
+#include "viewer/ViewerPart.h"
+#include "viewer/mail/MailPart.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -76,19 +76,6 @@ bool StartsWithHeader(std::string_view start)
     return isMime;
 }
 
-GMimePointer<GMimeMessage> Parse(FileDescriptor& file)
-{
-    std::string start(kMailboxLine.size(), '\0');
-    const bool isMailbox =
-        pread(file.Get(), start.data(), start.size(), 0) > 0 && start == kMailboxLine;
-    const GMimePointer<GMimeStream> stream(g_mime_stream_fs_new(dup(file.Get())));
-    const GMimePointer<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
-    // Parts stay where they are until they are wanted.
-    g_mime_parser_set_persist_stream(parser.get(), TRUE);
-    g_mime_parser_set_format(parser.get(), isMailbox ? GMIME_FORMAT_MBOX : GMIME_FORMAT_MESSAGE);
-    return GMimePointer<GMimeMessage>(g_mime_parser_construct_message(parser.get(), nullptr));
-}
-
 } // namespace
 
 bool IsMimeDocument(const std::string& fileName, std::string_view start)
@@ -103,18 +90,9 @@ bool IsMimeDocumentType(const std::string& mimeType)
 
 MimeDocument ReadMimeDocument(FileDescriptor file)
 {
-    static const bool isStarted = (g_mime_init(), true);
-    static_cast<void>(isStarted);
-    const GMimePointer<GMimeMessage> message = Parse(file);
+    static const auto read = ViewerPart("VornMail").Find<decltype(VornReadMail)>("VornReadMail");
     MimeDocument document;
-    if (message != nullptr) {
-        document = WalkThrough(*message);
-    }
-    if (document.items.empty()) {
-        throw SourceFailure{paramErr, message == nullptr
-                                          ? "this is not an e-mail or a web archive"
-                                          : "there is no text and no medium in this document"};
-    }
+    read(file, document);
     return document;
 }
 

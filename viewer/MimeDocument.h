@@ -30,7 +30,7 @@ struct MimeDocument {
 bool IsMimeDocument(const std::string& fileName, std::string_view start);
 // Of a type that --type may give.
 bool IsMimeDocumentType(const std::string& mimeType);
-// Takes what can be had of a damaged one. Throws SourceFailure if that is nothing.
+// Takes what can be had of a damaged one. Throws SourceFailure if that is nothing, and PartMissing.
 MimeDocument ReadMimeDocument(FileDescriptor file);
 
 } // namespace viewer

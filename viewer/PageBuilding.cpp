@@ -4,6 +4,7 @@
 #include "viewer/Console.h"
 #include "viewer/DocumentOpening.h"
 #include "viewer/HttpUrl.h"
+#include "viewer/ViewerPart.h"
 
 #include <filesystem>
 #include <utility>
@@ -37,6 +38,8 @@ public:
             }
         } catch (const SourceFailure& failure) {
             AddObject(Describe(request), nullptr).GiveUp(failure.error, failure.text);
+        } catch (const PartMissing& problem) {
+            AddObject(Describe(request), nullptr).GiveUp(ioErr, problem.what());
         }
     }
 

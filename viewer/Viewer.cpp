@@ -11,9 +11,8 @@
 #include "viewer/QuietOutput.h"
 #include "viewer/SoundFile.h"
 #include "viewer/TemporaryPlace.h"
-#ifdef VORN_HAS_WINDOW
-#include "viewer/window/WindowRun.h"
-#endif
+#include "viewer/ViewerPart.h"
+#include "viewer/window/WindowPart.h"
 
 #include <cstdio>
 #include <utility>
@@ -53,7 +52,7 @@ void TellThereIsNoWindow(const Options& options, const std::string& why)
 {
     const bool isSeen = !options.snapshots.empty() || !options.wavPath.empty() ||
                         !options.reportPath.empty() || !options.drag.path.empty();
-    Console::Tell("", why + ": the page runs without one" +
+    Console::Tell("", "there is no window here (" + why + "): the page runs without one" +
                           (isSeen ? "" : "; --snapshot, --wav and --report show what comes of it"));
 }
 
@@ -71,31 +70,35 @@ struct Outcome {
     bool outputFailed = false;
 };
 
-template <typename PageRun>
-Outcome RunPageAs(const Options& options, const PluginFolder& plugins)
+// Throws NoDisplay and PartMissing.
+Outcome RunInWindow(const Options& options, const PluginFolder& plugins)
 {
-    PageRun run(options, plugins);
+    const auto run = ViewerPart("VornWindow").Find<decltype(VornRunInWindow)>("VornRunInWindow");
     Outcome outcome;
-    outcome.report = run.Run();
-    outcome.outputFailed = run.OutputFailed();
+    run(options, plugins, outcome.report, outcome.outputFailed);
     return outcome;
+}
+
+Outcome RunHeadless(const Options& options, const PluginFolder& plugins)
+{
+    HeadlessRun run(options, plugins);
+    PageReport report = run.Run();
+    return {std::move(report), run.OutputFailed()};
 }
 
 Outcome RunPage(const Options& options, const PluginFolder& plugins)
 {
-    if (!options.headless) {
-#ifdef VORN_HAS_WINDOW
-        try {
-            return RunPageAs<WindowRun>(options, plugins);
-        } catch (const NoDisplay& problem) {
-            TellThereIsNoWindow(options,
-                                std::string("there is no window here (") + problem.what() + ")");
-        }
-#else
-        TellThereIsNoWindow(options, "this build has no window");
-#endif
+    if (options.headless) {
+        return RunHeadless(options, plugins);
     }
-    return RunPageAs<HeadlessRun>(options, plugins);
+    try {
+        return RunInWindow(options, plugins);
+    } catch (const NoDisplay& problem) {
+        TellThereIsNoWindow(options, problem.what());
+    } catch (const PartMissing& problem) {
+        TellThereIsNoWindow(options, problem.what());
+    }
+    return RunHeadless(options, plugins);
 }
 
 int ShowPage(const Options& options, const PluginFolder& plugins)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/HttpSource.h"
+#include "viewer/web/HttpSource.h"
 #include "tests/viewer/PacedServer.h"
 #include "tests/viewer/TestFiles.h"
 #include "toolbox/Errors.h"
@@ -437,6 +437,24 @@ TEST(HttpUrl, NamesTheFileAtItsEnd)
     EXPECT_EQ(viewer::FileNameInUrl("http://host/folder/"), "");
     EXPECT_EQ(viewer::FileNameInUrl("http://host"), "");
     EXPECT_EQ(viewer::FileNameInUrl("http://"), "");
+    EXPECT_EQ(viewer::FileNameInUrl("http://host?a/b"), "");
+}
+
+TEST(HttpUrl, TakesAPercentSignThatEscapesNothingAsItself)
+{
+    EXPECT_EQ(viewer::FileNameInUrl("http://host/100%.gif"), "100%.gif");
+    EXPECT_EQ(viewer::FileNameInUrl("http://host/a%2"), "a%2");
+    EXPECT_EQ(viewer::FileNameInUrl("http://host/%zz%2d"), "%zz-");
+}
+
+TEST(HttpUrl, NamesNoFileWithCharactersThatWouldSteerATerminal)
+{
+    EXPECT_EQ(viewer::FileNameInUrl("http://host/a%1b%5b2J.gif"), "");
+}
+
+TEST(HttpUrl, NamesAFileBehindAnEscapedSlash)
+{
+    EXPECT_EQ(viewer::FileNameInUrl("http://host/folder%2Fa.gif"), "a.gif");
 }
 
 TEST(DeclaredType, IsReadWithoutParametersAndInSmallLetters)

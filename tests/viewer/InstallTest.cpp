@@ -13,6 +13,7 @@ namespace
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::Not;
 
 // Installed into one folder and moved to another, so that nothing can depend on where it was.
 class Installed : public testing::Test
@@ -39,6 +40,15 @@ protected:
         const std::string command =
             Path("bin/vornview") + " " + arguments + " > " + folder->Path("out") + " 2>&1";
         return WEXITSTATUS(std::system(command.c_str()));
+    }
+
+    // With a picture of one black pixel in it.
+    static std::string WriteMail()
+    {
+        return folder->Write("a.eml", "From: a@example.org\r\nMIME-Version: 1.0\r\n"
+                                      "Content-Type: image/gif; name=\"dot.gif\"\r\n"
+                                      "Content-Transfer-Encoding: base64\r\n\r\n"
+                                      "R0lGODlhAQABAIAAAAAAAP///ywAAAAAAQABAAACAkQBADs=\r\n");
     }
 
     static TestFolder* folder;
@@ -68,13 +78,74 @@ TEST_F(Installed, PlaysAClip)
 TEST_F(Installed, UsesNothingOfTheBuildFolder)
 {
     for (const std::string& program :
-         {Path("bin/vornview"),
+         {Path("bin/vornview"), Path("lib/vorn/VornWeb.so"), Path("lib/vorn/VornMail.so"),
           Path("lib/vorn/plugins/VornMovie.plugin/Contents/Linux/VornMovie.so")}) {
         std::system(("ldd " + program + " > " + folder->Path("libraries")).c_str());
         EXPECT_THAT(folder->Read("libraries"),
                     HasSubstr("libvorntoolbox.so => " + folder->Path("second")))
             << program;
     }
+}
+
+// Loading them takes longer than showing a picture.
+TEST_F(Installed, StartsWithoutTheLibrariesOfItsParts)
+{
+    std::system(("ldd " + Path("bin/vornview") + " > " + folder->Path("libraries")).c_str());
+    const std::string libraries = folder->Read("libraries");
+    ASSERT_THAT(libraries, HasSubstr("libvornviewer.so => " + folder->Path("second")));
+    for (const char* name : {"libcurl", "libgmime", "libSDL2"}) {
+        EXPECT_THAT(libraries, Not(HasSubstr(name)));
+    }
+}
+
+TEST_F(Installed, ShowsAnEmail)
+{
+    EXPECT_EQ(Run("--info " + WriteMail()), 0) << folder->Read("out");
+    EXPECT_THAT(folder->Read("out"), HasSubstr("dot.gif"));
+}
+
+TEST_F(Installed, FetchesFromTheWeb)
+{
+    EXPECT_EQ(Run("--headless http://127.0.0.1:1/a.mpg"), 1);
+    EXPECT_THAT(folder->Read("out"), HasSubstr("the server cannot be reached"));
+}
+
+// Whoever packs the program may leave some out, and with them the libraries that they need.
+class InstalledWithoutParts : public Installed
+{
+protected:
+    void SetUp() override { fs::rename(Path("lib/vorn"), Path("lib/elsewhere")); }
+    void TearDown() override { fs::rename(Path("lib/elsewhere"), Path("lib/vorn")); }
+
+    static int Run(const std::string& arguments)
+    {
+        return Installed::Run("--plugins " + Path("lib/elsewhere/plugins") + " " + arguments);
+    }
+};
+
+TEST_F(InstalledWithoutParts, StillPlaysAClip)
+{
+    EXPECT_EQ(Run("--headless --play " + Clip("tiny.mpg")), 0) << folder->Read("out");
+}
+
+TEST_F(InstalledWithoutParts, TellsWhatAnEmailNeeds)
+{
+    EXPECT_EQ(Run("--headless " + WriteMail()), 1);
+    EXPECT_THAT(folder->Read("out"), HasSubstr("the viewer's part VornMail cannot be used"));
+}
+
+TEST_F(InstalledWithoutParts, TellsWhatAnAddressNeeds)
+{
+    EXPECT_EQ(Run("--headless http://127.0.0.1:1/a.mpg"), 1);
+    EXPECT_THAT(folder->Read("out"), HasSubstr("the viewer's part VornWeb cannot be used"));
+}
+
+TEST_F(InstalledWithoutParts, ShowsThePageWithoutAWindow)
+{
+    EXPECT_EQ(Run("--until 0.1 " + Clip("tiny.mpg")), 0);
+    EXPECT_THAT(folder->Read("out"),
+                testing::AllOf(HasSubstr("the viewer's part VornWindow cannot be used"),
+                               HasSubstr("the page runs without one")));
 }
 
 TEST_F(Installed, BringsItsManualItsCompletionAndItsDesktopEntry)

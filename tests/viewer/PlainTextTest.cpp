@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/PlainText.h"
-#include "viewer/HtmlCharacters.h"
+#include "viewer/mail/PlainText.h"
+#include "viewer/mail/HtmlCharacters.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -5,21 +5,15 @@
 
 #include "toolbox/quickdraw/QuickDraw.h"
 #include "viewer/window/Canvas.h"
+#include "viewer/window/WindowPart.h"
 
 #include <SDL.h>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace viewer
 {
-
-// There is nothing to show a window on; the text says why.
-class NoDisplay : public std::runtime_error
-{
-    using std::runtime_error::runtime_error;
-};
 
 // The page is as wide as the window and may be higher. It is shown by copying, changed rectangles
 // only, into the window's own pixels: no picture is drawn twice, and no graphics card is woken.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/HtmlCharacters.h"
+#include "viewer/mail/HtmlCharacters.h"
 
 #include "toolbox/Types.h"
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/MimeWalk.h"
+#include "viewer/mail/MimeWalk.h"
 
 #include "viewer/DeclaredType.h"
-#include "viewer/GMimePointer.h"
-#include "viewer/MimePartSource.h"
-#include "viewer/PlainText.h"
+#include "viewer/mail/GMimePointer.h"
+#include "viewer/mail/MimePartSource.h"
+#include "viewer/mail/PlainText.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/HttpTransfer.h"
+#include "viewer/web/HttpTransfer.h"
 
 #include "viewer/ByteSource.h"
 

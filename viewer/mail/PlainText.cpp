@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/PlainText.h"
+#include "viewer/mail/PlainText.h"
 
-#include "viewer/HtmlCharacters.h"
+#include "viewer/mail/HtmlCharacters.h"
 
 #include <algorithm>
 

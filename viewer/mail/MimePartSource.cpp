@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/MimePartSource.h"
+#include "viewer/mail/MimePartSource.h"
 
 #include <array>
 #include <cerrno>

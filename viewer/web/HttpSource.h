@@ -3,8 +3,8 @@
 // An object at an http or https URL.
 #pragma once
 
-#include "viewer/HttpTransfer.h"
 #include "viewer/SpooledSource.h"
+#include "viewer/web/HttpTransfer.h"
 
 #include <chrono>
 #include <optional>

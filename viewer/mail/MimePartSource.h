@@ -3,8 +3,8 @@
 // An object that is a part of a MIME document: decoded as far as it is wanted.
 #pragma once
 
-#include "viewer/GMimePointer.h"
 #include "viewer/SpooledSource.h"
+#include "viewer/mail/GMimePointer.h"
 
 namespace viewer
 {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/HttpSource.h"
+#include "viewer/web/HttpSource.h"
 
 #include "viewer/DeclaredType.h"
 
