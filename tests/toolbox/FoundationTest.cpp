@@ -244,6 +244,9 @@ TEST_F(Bundles, AStringReadAsAnArrayIsEmpty)
 
 TEST_F(Bundles, ReadBinaryListsToo)
 {
+#ifdef VORN_STANDINS
+    GTEST_SKIP() << "what stands in for libplist reads XML lists only";
+#endif
     // One dictionary with the key "k" and the value "v".
     const std::string list(
         "bplist00\xD1\x01\x02\x51k\x51v\x08\x0B\x0D"
@@ -257,6 +260,9 @@ TEST_F(Bundles, ReadBinaryListsToo)
 
 TEST_F(Bundles, AZeroInAKeyIsNoDanger)
 {
+#ifdef VORN_STANDINS
+    GTEST_SKIP() << "what stands in for libplist reads XML lists only";
+#endif
     // One dictionary with "k" and a zero, in 16 bits each, for a key and the value "v".
     const std::string list(
         "bplist00\xD1\x01\x02\x62\0k\0\0\x51v\x08\x0B\x10"
@@ -269,6 +275,9 @@ TEST_F(Bundles, AZeroInAKeyIsNoDanger)
 
 TEST_F(Bundles, AKeyOfMalformedTextIsNotTakenForAnother)
 {
+#ifdef VORN_STANDINS
+    GTEST_SKIP() << "what stands in for libplist reads XML lists only";
+#endif
     // The key "k" and a byte that is no UTF-8.
     const std::string list(
         "bplist00\xD1\x01\x02\x52k\xA2\x51v\x08\x0B\x0E"

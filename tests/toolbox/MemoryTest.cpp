@@ -10,8 +10,8 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <fcntl.h>
 #include <string>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace
@@ -246,10 +246,14 @@ using Seen = std::array<unsigned char, 1024>;
 Seen Peek(uintptr_t address)
 {
     Seen bytes{};
-    const int memory = open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
-    const ssize_t count = pread(memory, bytes.data(), bytes.size(), static_cast<off_t>(address));
-    close(memory);
+    int ends[2];
+    EXPECT_EQ(0, pipe(ends));
+    // Called like this, nobody but the system looks at the address.
+    const long count = syscall(SYS_write, ends[1], address, bytes.size());
     EXPECT_EQ(static_cast<ssize_t>(bytes.size()), count);
+    EXPECT_EQ(count, read(ends[0], bytes.data(), bytes.size()));
+    close(ends[0]);
+    close(ends[1]);
     return bytes;
 }
 
