@@ -293,6 +293,16 @@ TEST_F(ScheduledReads, PollingBeforeTheFirstByteGivesNone)
     }
 }
 
+TEST_F(ScheduledReads, PollingBeforeTheFirstByteReadsNothing)
+{
+    Open("video/quicktime", 0, 500);
+    Schedule(buffer, 500, 100);
+    probe.Fail("FSpOpenDF", ioErr);
+    UInt32 count = 77;
+    EXPECT_EQ(Call(kDataHPollReadSelect, buffer, &count), noErr);
+    EXPECT_EQ(count, 0u);
+}
+
 TEST_F(ScheduledReads, PollingNeverGivesMoreThanWasAskedFor)
 {
     Open();
