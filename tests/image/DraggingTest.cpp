@@ -5,6 +5,7 @@
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 namespace
 {
@@ -126,6 +127,13 @@ TEST_F(DraggedImage, IsFittedIntoABoxAbove60000Pixels)
     EXPECT_EQ(DragImage(), "SetDragImage world2 everywhere 42 61 17");
     EXPECT_EQ(image->dragGWorld, test::Graphics().World(2));
     EXPECT_EQ(flag, 1);
+}
+
+TEST_F(DraggedImage, IsFittedIntoABoxWithASinglePixelMore)
+{
+    Make(29, 2069);
+    Prepare({0, 0, 29, 2069});
+    EXPECT_THAT(Calls({"NewGWorld"}), SizeIs(1));
 }
 
 TEST_F(DraggedImage, MovesTheFittedImageWithItsPlaceOnTheScreen)

@@ -240,6 +240,13 @@ TEST_F(ImagePlugin, KeepsTheBandForARowInIt)
     EXPECT_EQ(image->invalidBottom, 15);
 }
 
+TEST_F(ImagePlugin, BeginsTheBandAboveTheOriginToo)
+{
+    Invalidate({-5});
+    EXPECT_EQ(image->invalidTop, -5);
+    EXPECT_EQ(image->invalidBottom, -4);
+}
+
 TEST_F(ImagePlugin, TellsErrorsThatItKnowsAsTheyAre)
 {
     for (const int code : {0, 1200, 1209, 1210, -1, -39, -108, -32768}) {
