@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/window/PageWindow.h"
 
+#include "toolbox/CpuVersions.h"
 #include "viewer/Rects.h"
 
 #include <algorithm>
@@ -24,7 +25,7 @@ SInt16 ToCoordinate(SInt32 value)
 }
 
 // From x, R, G, B in memory to the number 0xRRGGBB, which is what a surface of 32 bits holds.
-void CopyRow(const UInt8* from, Uint32* to, SInt32 count)
+VORN_CPU_VERSIONS void CopyRow(const UInt8* from, Uint32* to, SInt32 count)
 {
     constexpr bool isLittleEndian = std::endian::native == std::endian::little;
     for (SInt32 i = 0; i < count; ++i) {

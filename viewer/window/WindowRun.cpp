@@ -18,8 +18,10 @@ constexpr int kQuietRoundsAtRest = 2;
 constexpr int kMostQuietRounds = 50;
 // The longest stretch of work without a look at what the user does.
 constexpr SInt64 kLongestWork = 8000;
-// Captions tell of progress, which nobody reads faster than this.
+// Captions tell of progress, which nobody reads faster than this …
 constexpr SInt64 kCaptionInterval = 100'000;
+// … and they can wait this long for something else to wake the loop.
+constexpr SInt64 kCaptionPatience = 100'000;
 // How long a wait inside a bundle may take, in milliseconds.
 constexpr int kShortWait = 5;
 
@@ -197,7 +199,7 @@ SInt64 WindowRun::NextInstant() const
     consider(const_cast<PageWork&>(work_).User().NextTime());
     consider(snapshots_.NextTime());
     if (captionsAreStale_) {
-        consider(captionsDue_);
+        consider(captionsDue_ + kCaptionPatience);
     }
     consider(work_.Starter().NextDeadline());
     if (sound_ != nullptr && sound_->NextTime()) {
