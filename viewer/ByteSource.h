@@ -5,6 +5,7 @@
 
 #include "toolbox/Errors.h"
 #include "toolbox/Types.h"
+#include "viewer/FileDescriptor.h"
 
 #include <memory>
 #include <string>
@@ -45,6 +46,8 @@ public:
     virtual SInt32 Read(void* buffer, SInt32 offset, SInt32 count) = 0;
     // The last Pump asked for more than there was: the descriptor to wait on for input, else -1.
     virtual int DescriptorToWaitOn() const { return -1; }
+    // A file that holds what was received, for as long as it is wanted; not open if there is none.
+    virtual FileDescriptor KeptFile() const { return FileDescriptor(); }
     // Nobody wants what is still to come. What was received stays readable.
     virtual void StopReceiving() {}
 

@@ -5,6 +5,7 @@
 #include "viewer/MimeTypeGuess.h"
 #include "viewer/ReadFully.h"
 
+#include <algorithm>
 #include <array>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -39,6 +40,12 @@ bool LooksLikeDocument(const FileDescriptor& file, const std::string& location)
            IsMimeDocument(location, {start.data(), length});
 }
 
+// Movies and images are not kept waiting until it is certain.
+bool IsText(std::string_view start)
+{
+    return std::none_of(start.begin(), start.end(), [](char c) { return c >= 0 && c < '\t'; });
+}
+
 } // namespace
 
 std::optional<MimeDocument> OpenDocument(const ObjectRequest& request)
@@ -52,6 +59,31 @@ std::optional<MimeDocument> OpenDocument(const ObjectRequest& request)
         return std::nullopt;
     }
     return ReadMimeDocument(std::move(file));
+}
+
+DocumentLook LookForDocument(EmbeddedObject& object)
+{
+    const ObjectDescription& description = object.Description();
+    if (!description.mayBeDocument) {
+        return DocumentLook::kNoDocument;
+    }
+    ObjectBytes& bytes = object.Bytes();
+    if (IsMimeDocumentType(description.typeIsKnown ? description.type.mimeType
+                                                   : bytes.DeclaredType())) {
+        return DocumentLook::kDocument;
+    }
+    std::array<char, kBytesToLookAt> buffer{};
+    const std::string_view start(buffer.data(),
+                                 static_cast<size_t>(bytes.Peek(buffer.data(), kBytesToLookAt)));
+    if (description.typeIsKnown || !IsText(start) ||
+        !GuessMimeType(reinterpret_cast<const UInt8*>(start.data()), start.size()).empty()) {
+        return DocumentLook::kNoDocument;
+    }
+    if (start.size() < kBytesToLookAt && !bytes.IsAtEnd()) {
+        return DocumentLook::kNotYetKnown;
+    }
+    return IsMimeDocument(description.fileName, start) ? DocumentLook::kDocument
+                                                       : DocumentLook::kNoDocument;
 }
 
 } // namespace viewer

@@ -110,6 +110,7 @@ public:
 
     // For the page -------------------------------------------------------------------------
 
+    const ObjectDescription& Description() const { return description_; }
     const std::string& Name() const { return description_.name; }
     const PluginBundle* Bundle() const { return plugin_.Bundle(); }
     bool HasBytes() const { return bytes_ != nullptr; }

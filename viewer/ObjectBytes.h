@@ -48,6 +48,8 @@ public:
     // Nobody will ask for what has not arrived.
     void StopReceiving() { source_->StopReceiving(); }
     const SourceFailure& Failure() const { return source_->Failure(); }
+    // A file that holds what has arrived, not open if there is none.
+    FileDescriptor KeptFile() const { return source_->KeptFile(); }
     // Copies from the start without counting, for a look at the type. Answers how many.
     SInt32 Peek(void* buffer, SInt32 count);
 

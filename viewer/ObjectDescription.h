@@ -15,6 +15,8 @@ struct ObjectDescription {
     ObjectType type;
     UInt32 displayFlags = 0;
     bool typeIsKnown = false; // given by the user or told by the first bytes
+    // Its bytes come one after the other, and may turn out to be a document that holds objects.
+    bool mayBeDocument = false;
 };
 
 } // namespace viewer

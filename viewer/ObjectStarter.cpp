@@ -18,7 +18,8 @@ constexpr SInt32 kReadAhead = 1 << 20;
 
 } // namespace
 
-ObjectStarter::ObjectStarter(const Page& page, const PluginFolder& plugins) : plugins_(plugins)
+ObjectStarter::ObjectStarter(const Page& page, const PluginFolder& plugins, Unfold unfold)
+    : plugins_(plugins), unfold_(std::move(unfold))
 {
     for (const auto& bundle : plugins.Bundles()) {
         gates_.push_back({bundle.get(), {}, nullptr, false});
@@ -36,9 +37,27 @@ void ObjectStarter::Step()
         Judge(gate);
     }
     for (auto it = waiting_.begin(); it != waiting_.end();) {
-        it->object->Bytes().Pump(kReadAhead);
-        it = TryToStart(*it) ? waiting_.erase(it) : std::next(it);
+        const bool isDocument = it->look == DocumentLook::kDocument;
+        it->object->Bytes().Pump(isDocument ? INT32_MAX : kReadAhead);
+        it = TryToUnfold(*it) || TryToStart(*it) ? waiting_.erase(it) : std::next(it);
     }
+}
+
+// A document is read as a whole: what is in it, and where, shows at its end only.
+bool ObjectStarter::TryToUnfold(Waiting& waiting)
+{
+    EmbeddedObject& object = *waiting.object;
+    if (waiting.look == DocumentLook::kNotYetKnown) {
+        waiting.look = LookForDocument(object);
+    }
+    if (waiting.look != DocumentLook::kDocument || !object.Bytes().IsAtEnd()) {
+        return false;
+    }
+    for (EmbeddedObject* const each : unfold_(object)) {
+        Enqueue(*each, -1);
+    }
+    ++steps_;
+    return true;
 }
 
 bool ObjectStarter::IsDone() const
@@ -154,7 +173,8 @@ bool ObjectStarter::IsAnyWorthStarting() const
 bool ObjectStarter::HasBytesToStartWith(const Waiting& waiting)
 {
     const ObjectBytes& bytes = waiting.object->Bytes();
-    return bytes.Arrived() >= kBytesToStartWith || bytes.IsAtEnd();
+    return waiting.look == DocumentLook::kNoDocument &&
+           (bytes.Arrived() >= kBytesToStartWith || bytes.IsAtEnd());
 }
 
 // An object that was taken out would only stall again while no byte has come.

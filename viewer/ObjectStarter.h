@@ -5,8 +5,10 @@
 #pragma once
 
 #include "viewer/Admission.h"
+#include "viewer/DocumentOpening.h"
 #include "viewer/Page.h"
 
+#include <functional>
 #include <list>
 #include <optional>
 #include <vector>
@@ -17,8 +19,10 @@ namespace viewer
 class ObjectStarter
 {
 public:
+    // Puts what a document holds into its place on the page, and answers what is to be started.
+    using Unfold = std::function<std::vector<EmbeddedObject*>(EmbeddedObject& document)>;
     // Takes the page's objects that wait. Both must outlive the starter.
-    ObjectStarter(const Page& page, const PluginFolder& plugins);
+    ObjectStarter(const Page& page, const PluginFolder& plugins, Unfold unfold);
 
     // To be called after each round of yields and an Idle. Starts what can be started, and takes
     // out an object that stalls while others could open.
@@ -35,6 +39,7 @@ private:
         EmbeddedObject* object = nullptr;
         std::vector<bool> declined; // by each bundle
         SInt32 bytesWhenTakenOut = -1;
+        DocumentLook look = DocumentLook::kNotYetKnown;
     };
     struct Gate {
         const PluginBundle* bundle = nullptr;
@@ -46,6 +51,7 @@ private:
     void Judge(Gate& gate);
     void TakeOut(Gate& gate);
     void FinishTakingOut(Gate& gate);
+    bool TryToUnfold(Waiting& waiting);
     bool TryToStart(Waiting& waiting);
     void Start(Waiting& waiting, Gate& gate);
     void Enqueue(EmbeddedObject& object, SInt32 bytesWhenTakenOut);
@@ -54,6 +60,7 @@ private:
     static bool HasNewBytes(const Waiting& waiting);
 
     const PluginFolder& plugins_;
+    Unfold unfold_;
     std::vector<Gate> gates_;
     std::list<Waiting> waiting_;
     SInt32 steps_ = 0;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <stdexcept>
 
 namespace viewer
@@ -40,6 +41,7 @@ Page::Page(SInt16 width, SInt16 height)
 Page::~Page()
 {
     objects_.clear();
+    replaced_.clear();
     DisposeWindowPort(port_);
     DisposeRgn(clip_);
     DisposeRgn(dirty_);
@@ -50,6 +52,41 @@ EmbeddedObject& Page::Add(std::unique_ptr<EmbeddedObject> object)
     objects_.push_back(std::move(object));
     laidOut_ = false;
     return *objects_.back();
+}
+
+void Page::Add(PageContent content)
+{
+    for (TextBlock& text : content.texts) {
+        text.objectsBefore += objects_.size();
+        texts_.Add(std::move(text));
+    }
+    for (auto& object : content.objects) {
+        Add(std::move(object));
+    }
+    laidOut_ = false;
+}
+
+std::vector<EmbeddedObject*> Page::Replace(const EmbeddedObject& object, PageContent content)
+{
+    const auto found = std::find_if(objects_.begin(), objects_.end(),
+                                    [&](const auto& each) { return each.get() == &object; });
+    const auto place = static_cast<size_t>(found - objects_.begin());
+    if (!IsEmpty(object.Area())) {
+        Wipe(Surroundings(object.Area()));
+    }
+    if (shape_.alone == &object) {
+        shape_.alone = nullptr;
+    }
+    std::vector<EmbeddedObject*> added;
+    for (const auto& each : content.objects) {
+        added.push_back(each.get());
+    }
+    replaced_.push_back(std::move(*found));
+    texts_.ReplaceObject(place, content.objects.size(), std::move(content.texts));
+    objects_.insert(objects_.erase(found), std::make_move_iterator(content.objects.begin()),
+                    std::make_move_iterator(content.objects.end()));
+    LayOut(); // nobody is to see objects without a place
+    return added;
 }
 
 void Page::IdleObjects()

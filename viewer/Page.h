@@ -13,6 +13,12 @@
 namespace viewer
 {
 
+// Objects, and paragraphs that count them from the first of these.
+struct PageContent {
+    std::vector<std::unique_ptr<EmbeddedObject>> objects;
+    std::vector<TextBlock> texts;
+};
+
 // Knows nothing of where the port is shown and how time passes: whoever runs the page calls
 // IdleObjects, DrawChanges and ObserveObjects after each round of yields.
 class Page
@@ -26,6 +32,11 @@ public:
     Page& operator=(const Page&) = delete;
 
     EmbeddedObject& Add(std::unique_ptr<EmbeddedObject> object);
+    void Add(PageContent content);
+    // Puts something else into the place of an object that has not been started. The object leaves
+    // the page, but stays where it is in memory: somebody may still point to it. Answers the new
+    // ones.
+    std::vector<EmbeddedObject*> Replace(const EmbeddedObject& object, PageContent content);
     const std::vector<std::unique_ptr<EmbeddedObject>>& Objects() const { return objects_; }
     // What stands above, between and below the objects.
     PageTexts& Texts() { return texts_; }
@@ -108,6 +119,7 @@ private:
     CGrafPtr port_ = nullptr;
     RgnHandle clip_ = nullptr;
     std::vector<std::unique_ptr<EmbeddedObject>> objects_;
+    std::vector<std::unique_ptr<EmbeddedObject>> replaced_;
     PageTexts texts_;
     bool laidOut_ = false;
     PageStyle style_;

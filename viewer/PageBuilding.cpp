@@ -32,15 +32,31 @@ public:
     {
         try {
             if (std::optional<MimeDocument> document = OpenDocument(request)) {
-                AddDocument(request, *document);
+                page_.Add(MakeContent(Describe(request), std::move(*document)));
             } else {
-                AddObject(Describe(request), OpenSource(request.location));
+                ObjectDescription description = Describe(request);
+                description.mayBeDocument = true;
+                AddObject(std::move(description), OpenSource(request.location));
             }
         } catch (const SourceFailure& failure) {
             AddObject(Describe(request), nullptr).GiveUp(failure.error, failure.text);
         } catch (const PartMissing& problem) {
             AddObject(Describe(request), nullptr).GiveUp(ioErr, problem.what());
         }
+    }
+
+    std::vector<EmbeddedObject*> Unfold(EmbeddedObject& document)
+    {
+        try {
+            return page_.Replace(
+                document,
+                MakeContent(document.Description(), ReadMimeDocument(document.Bytes().KeptFile())));
+        } catch (const SourceFailure& failure) {
+            document.GiveUp(failure.error, failure.text);
+        } catch (const PartMissing& problem) {
+            document.GiveUp(ioErr, problem.what());
+        }
+        return {};
     }
 
 private:
@@ -55,42 +71,51 @@ private:
         return description;
     }
 
-    ObjectDescription Describe(const ObjectRequest& request, const MimeMedium& medium,
+    // `document`: how the one was described that the medium is in.
+    ObjectDescription Describe(const ObjectDescription& document, const MimeMedium& medium,
                                size_t number) const
     {
         ObjectDescription description;
         description.fileName =
             medium.fileName.empty() ? "object " + std::to_string(number) : medium.fileName;
-        description.name = request.location + ": " + description.fileName;
+        description.name = document.name + ": " + description.fileName;
         description.type = plugins_.TypeOf(medium.fileName, "");
-        description.displayFlags = request.displayFlags;
+        description.displayFlags = document.displayFlags;
         return description;
     }
 
-    EmbeddedObject& AddObject(ObjectDescription description, std::unique_ptr<ByteSource> source)
+    std::unique_ptr<EmbeddedObject> MakeObject(ObjectDescription description,
+                                               std::unique_ptr<ByteSource> source) const
     {
         std::unique_ptr<ObjectBytes> bytes;
         if (source != nullptr) {
             bytes = std::make_unique<ObjectBytes>(std::move(source),
                                                   ArrivalPace(options_.bytesPerSecond), time_);
         }
-        return page_.Add(
-            std::make_unique<EmbeddedObject>(std::move(description), std::move(bytes)));
+        return std::make_unique<EmbeddedObject>(std::move(description), std::move(bytes));
     }
 
-    void AddDocument(const ObjectRequest& request, MimeDocument& document)
+    EmbeddedObject& AddObject(ObjectDescription description, std::unique_ptr<ByteSource> source)
     {
-        size_t number = 0;
+        return page_.Add(MakeObject(std::move(description), std::move(source)));
+    }
+
+    PageContent MakeContent(const ObjectDescription& description, MimeDocument document) const
+    {
+        PageContent content;
         for (MimeItem& item : document.items) {
             if (auto* const medium = std::get_if<MimeMedium>(&item)) {
-                AddObject(Describe(request, *medium, ++number), std::move(medium->source));
+                content.objects.push_back(
+                    MakeObject(Describe(description, *medium, content.objects.size() + 1),
+                               std::move(medium->source)));
             } else {
-                page_.Texts().Add({std::get<std::string>(item), page_.Objects().size()});
+                content.texts.push_back({std::get<std::string>(item), content.objects.size()});
             }
         }
         for (const std::string& message : document.messages) {
-            Console::Tell(request.location, message);
+            Console::Tell(description.name, message);
         }
+        return content;
     }
 
     Page& page_;
@@ -107,6 +132,13 @@ void AddObjects(Page& page, const Options& options, const PluginFolder& plugins,
     for (const ObjectRequest& request : options.objects) {
         builder.Add(request);
     }
+}
+
+std::vector<EmbeddedObject*> UnfoldDocument(EmbeddedObject& document, Page& page,
+                                            const Options& options, const PluginFolder& plugins,
+                                            HostTime& time)
+{
+    return PageBuilder(page, options, plugins, time).Unfold(document);
 }
 
 } // namespace viewer

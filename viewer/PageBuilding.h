@@ -12,4 +12,10 @@ namespace viewer
 // MIME document. One that cannot be opened is given up at once.
 void AddObjects(Page& page, const Options& options, const PluginFolder& plugins, HostTime& time);
 
+// Puts the text and the media of a document that has come out of a stream into its place. Answers
+// the objects that are new; the document is given up where it has nothing to show.
+std::vector<EmbeddedObject*> UnfoldDocument(EmbeddedObject& document, Page& page,
+                                            const Options& options, const PluginFolder& plugins,
+                                            HostTime& time);
+
 } // namespace viewer

@@ -4,10 +4,27 @@
 #include "toolbox/quickdraw/QuickDraw.h"
 #include "viewer/Rects.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace viewer
 {
+
+void PageTexts::ReplaceObject(size_t place, size_t objects, std::vector<TextBlock> blocks)
+{
+    const auto behind = std::find_if(blocks_.begin(), blocks_.end(), [&](const TextBlock& each) {
+        return each.objectsBefore > place;
+    });
+    std::for_each(behind, blocks_.end(),
+                  [&](TextBlock& each) { each.objectsBefore += objects - 1; });
+    std::for_each(blocks.begin(), blocks.end(),
+                  [&](TextBlock& each) { each.objectsBefore += place; });
+    places_.resize(blocks_.size());
+    places_.insert(places_.begin() + (behind - blocks_.begin()), blocks.size(), {});
+    blocks_.insert(behind, std::make_move_iterator(blocks.begin()),
+                   std::make_move_iterator(blocks.end()));
+}
 
 std::vector<ParagraphSpace> PageTexts::Spaces(SInt16 width, double zoom) const
 {

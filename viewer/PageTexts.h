@@ -22,6 +22,9 @@ public:
 
     void SetMeasure(Measure measure) { measure_ = std::move(measure); }
     void Add(TextBlock block) { blocks_.push_back(std::move(block)); }
+    // The object at that place goes, and so many others come, with paragraphs that count from
+    // there.
+    void ReplaceObject(size_t place, size_t objects, std::vector<TextBlock> blocks);
     // In reading order.
     const std::vector<TextBlock>& Blocks() const { return blocks_; }
 

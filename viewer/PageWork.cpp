@@ -22,7 +22,10 @@ const Page& WithObjects(Page& page, const Options& options, const PluginFolder& 
 
 PageWork::PageWork(const Options& options, const PluginFolder& plugins, HostTime& time)
     : page_(options.width, options.height),
-      starter_(WithObjects(page_, options, plugins, time), plugins),
+      starter_(WithObjects(page_, options, plugins, time), plugins,
+               [&](EmbeddedObject& document) {
+                   return UnfoldDocument(document, page_, options, plugins, time);
+               }),
       user_(page_, options.events, options.play)
 {
 }

@@ -78,4 +78,9 @@ SInt32 SpooledSource::Read(void* buffer, SInt32 offset, SInt32 count)
     return copied;
 }
 
+FileDescriptor SpooledSource::KeptFile() const
+{
+    return FileDescriptor(fcntl(kept_.Get(), F_DUPFD_CLOEXEC, 0));
+}
+
 } // namespace viewer

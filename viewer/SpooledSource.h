@@ -4,7 +4,6 @@
 #pragma once
 
 #include "viewer/ByteSource.h"
-#include "viewer/FileDescriptor.h"
 
 namespace viewer
 {
@@ -18,6 +17,7 @@ public:
     bool IsComplete() const override { return complete_; }
     SInt32 EstimatedBytes() const override { return complete_ ? received_ : -1; }
     SInt32 Read(void* buffer, SInt32 offset, SInt32 count) override;
+    FileDescriptor KeptFile() const override;
 
 protected:
     // Throws SourceFailure if there is no place to keep the bytes.

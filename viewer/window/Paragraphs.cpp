@@ -48,7 +48,9 @@ void Paragraphs::Update()
 
 const Paragraphs::Wrapping& Paragraphs::Wrap(size_t index, SInt16 width, double zoom)
 {
-    wrappings_.resize(page_.Texts().Blocks().size());
+    if (wrappings_.size() != page_.Texts().Blocks().size()) {
+        wrappings_.assign(page_.Texts().Blocks().size(), {}); // some have come in between
+    }
     Wrapping& wrapping = wrappings_[index];
     if (wrapping.width != width || wrapping.zoom != zoom) {
         wrapping = {

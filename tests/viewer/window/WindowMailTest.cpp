@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <png.h>
+#include <sys/stat.h>
 
 namespace
 {
@@ -114,6 +116,28 @@ TEST_F(WindowMail, ItsTextStandsAboveAndBelowThePicture)
     EXPECT_TRUE(HasInk(shot, top - 40, top - 12)) << "the last line above";
     EXPECT_EQ(shot.At(kMargin + 10, top + kPictureHeight - 1), kPicture);
     EXPECT_TRUE(HasInk(shot, below, below + 40)) << "the text below";
+    window.Do("key q");
+    EXPECT_EQ(window.WaitForEnd().status, 0);
+}
+
+TEST_F(WindowMail, ThatComesOutOfAStreamTakesItsPlaceAboveOtherText)
+{
+    const HiddenScreen screen;
+    const std::string pipe = folder.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string other = folder.Write(
+        "other.eml", "MIME-Version: 1.0\r\nContent-Type: text/plain\r\n\r\nThe last line\r\n");
+    RunningWindow window(screen, {pipe, other});
+    ASSERT_TRUE(window.WaitUntil([](const Screenshot& shot) {
+        return HasInk(shot, kMargin + 120, kMargin + 220); // below the frame of the mail to come
+    }));
+    EXPECT_EQ(PictureTop(window.Look()), -1);
+    std::ofstream(pipe, std::ios::binary) << MakeMail();
+    ASSERT_TRUE(window.WaitUntil([](const Screenshot& shot) { return PictureTop(shot) >= 0; }));
+    const Screenshot shot = window.Look();
+    const int below = PictureTop(shot) + kPictureHeight + kCaption;
+    EXPECT_TRUE(HasInk(shot, kMargin, kMargin + 21)) << "the greeting";
+    EXPECT_TRUE(HasInk(shot, below + 60, below + 180)) << "the end, and the other text";
     window.Do("key q");
     EXPECT_EQ(window.WaitForEnd().status, 0);
 }
