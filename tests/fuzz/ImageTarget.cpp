@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/fuzz/ImageTarget.h"
 
+#include "tests/fuzz/LiveObjects.h"
 #include "tests/fuzz/Require.h"
 #include "tests/support/HostedImage.h"
 #include "tests/support/ManualClock.h"
 #include "tests/support/MemoryLimit.h"
 #include "toolbox/Errors.h"
-#include "toolbox/probe/Probe.h"
 
 #include <algorithm>
 #include <array>
@@ -29,14 +29,6 @@ const test::ImageBundle& Bundle(const std::string& name)
     if (bundle == nullptr)
         bundle = std::make_unique<test::ImageBundle>(name);
     return *bundle;
-}
-
-std::array<SInt32, kLiveObjectKinds> LiveObjects()
-{
-    std::array<SInt32, kLiveObjectKinds> alive{};
-    for (SInt32 kind = 0; kind < kLiveObjectKinds; ++kind)
-        alive.at(static_cast<size_t>(kind)) = CountLiveObjects(kind);
-    return alive;
 }
 
 struct Shown {
@@ -166,11 +158,11 @@ void FuzzImage(const std::string& name, std::span<const UInt8> arrival,
 {
     const test::MemoryLimit limit(kMostMemory);
     const test::ImageBundle& bundle = Bundle(name);
-    const auto alive = LiveObjects();
+    const LiveObjects before;
     const Shown inPieces = Show(bundle, file, Pieces(file.size(), arrival), arrival[3]);
     const Shown atOnce = Show(bundle, file, {static_cast<SInt32>(file.size())}, 0);
     const bool isFine = inPieces.result == noErr && atOnce.result == noErr;
     if (isFine || damage == Damage::kShowsTheSame)
         Require(inPieces == atOnce, "an image is the same however it arrives");
-    Require(LiveObjects() == alive, "nothing is left behind");
+    Require(LiveObjects() == before, "nothing is left behind");
 }

@@ -10,7 +10,7 @@
 constexpr size_t kArrivalBytes = 4;
 FuzzInput WithArrival(const std::vector<UInt8>& file, const FuzzInput& arrival);
 
-// What a library makes of the last rows before damage may depend on how they arrived.
+// What a library makes of rows at and before damage may depend on how they arrived.
 enum class Damage { kShowsTheSame, kMayShowOtherRows };
 
 // Decodes and displays a file with the bundle of that name, in pieces and at once: both show the

@@ -32,10 +32,11 @@ void StreamHost::Change(Decisions& decisions)
 
 StreamHost::Answer StreamHost::AnswerTo(const Request& request) const
 {
-    if (failure_ != 0 && failure_ != kDataNotAvailableErr && failsSilently_)
-        return {failure_, {}, false, false};
-    const SInt64 end = std::min<SInt64>(arrived, SInt64{request.offset} + request.count);
+    // A host that fails copies nothing: what the source had cached stays good.
+    if (failure_ != 0 && failure_ != kDataNotAvailableErr)
+        return {failure_, {}, !failsSilently_, !failsSilently_};
     Answer answer;
+    const SInt64 end = std::min<SInt64>(arrived, SInt64{request.offset} + request.count);
     if (request.hasBuffer && request.offset >= 0 && request.offset < end)
         answer.bytes = BytesAt(request.offset, static_cast<SInt32>(end - request.offset));
     const bool isPastEnd = hasEnded_ && request.count > 0 && answer.bytes.empty();
