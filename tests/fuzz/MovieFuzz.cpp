@@ -30,7 +30,7 @@ CGrafPtr Port()
     return port;
 }
 
-// What is said of a movie never goes back.
+// What is said of a movie is possible, and its load state never goes back.
 class Progress
 {
 public:
@@ -46,15 +46,13 @@ public:
         state_ = state;
         TimeValue loaded = 0;
         Require(GetMaxLoadedTimeInMovie(movie, &loaded) == noErr, "a loaded time is known");
-        Require(loaded >= loaded_, "it only grows, too");
-        loaded_ = loaded;
-        Require(GetMovieDuration(movie) >= 0, "a duration is not negative");
+        Require(loaded >= 0, "it is not negative");
+        Require(GetMovieDuration(movie) >= 0, "nor is the duration");
     }
     bool IsPlayable() const { return state_ >= kMovieLoadStatePlayable; }
 
 private:
     SInt32 state_ = kMovieLoadStateLoading;
-    TimeValue loaded_ = 0;
 };
 
 class Page
