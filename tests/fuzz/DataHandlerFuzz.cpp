@@ -120,7 +120,9 @@ private:
     {
         Request& request = NewRequest();
         DataHScheduleRecord record{};
-        const ComponentSlot recordSlot = decisions_.Below(4) == 0 ? 0 : Slot(&record);
+        // Without a record it waits, which whoever brings the bytes must not.
+        const bool mayWait = depth_ == 0 && decisions_.Below(4) == 0;
+        const ComponentSlot recordSlot = mayWait ? 0 : Slot(&record);
         const wide where = {decisions_.AnyLong(), static_cast<UInt32>(request.offset)};
         const bool isWide = decisions_.Chance();
         const ComponentSlot completion = Completion();
