@@ -44,6 +44,13 @@ protected:
         snapshotFailed = run.OutputFailed();
         return report;
     }
+    // On a thread of its own: the log only grows while a page runs.
+    void WaitForLogged(const std::string& text) const
+    {
+        while (plugins.Log().find(text) == std::string::npos) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
     bool Told(const std::string& text) const { return told.find(text) != std::string::npos; }
 
     TestFolder folder;
@@ -280,7 +287,7 @@ TEST_F(HeadlessRunTest, AFifoThatStallsLetsTheOthersOpenAndIsShownInTheEnd)
     ASSERT_EQ(write(fifo, bytes.data(), 30'000), 30'000);
     Add("b");
     std::thread writer([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2500));
+        WaitForLogged("make b.fake");
         EXPECT_EQ(write(fifo, bytes.data() + 30'000, 70'000), 70'000);
         close(fifo);
     });
