@@ -61,6 +61,7 @@ struct Request {
     std::vector<char> bytes;
     int completions = 0;
     bool isCancelled = false;
+    bool isQueued = false;
 };
 
 class Run
@@ -133,6 +134,7 @@ private:
         RequireDocumented(result);
         RequireCompletedAtMostOnce(request);
         Require(result == noErr || request.completions == 0, "an error is not completed, too");
+        request.isQueued = result == noErr && request.completions == 0 && completion != 0;
     }
     void ReadAsync()
     {
@@ -170,7 +172,16 @@ private:
             kDataHPollReadSelect, {request == nullptr ? 0 : Slot(request->Place()), Slot(&soFar)}));
         Require(request != nullptr || soFar == 0, "nothing comes of nothing");
     }
-    void Task() { RequireDocumented(session_.Call(kDataHTaskSelect, {})); }
+    void Task()
+    {
+        RequireDocumented(session_.Call(kDataHTaskSelect, {}));
+        for (const Request& request : requests_) {
+            const bool isDue =
+                request.isQueued && SInt64{request.offset} + request.size <= session_.Spooled();
+            Require(!isDue || depth_ > 0 || !session_.HasPlugin() || request.completions == 1,
+                    "nobody waits for bytes that are there");
+        }
+    }
 
     void GetData()
     {
