@@ -286,4 +286,21 @@ TEST(OpenDocument, LeavesTheRestToTheSources)
     EXPECT_FALSE(isDocument(folder.Write("picture.eml", "\x89PNG\r\n\x1A\n"), ""));
 }
 
+// Programs that pass a document on may change some of its line ends.
+TEST(MimeDocument, APartIsWholeHoweverTheLinesAroundItEnd)
+{
+    for (const std::string before : {"\r\n", "\n"}) {
+        for (const std::string after : {"\r\n", "\n"}) {
+            const std::string edge = before + "--edge";
+            const std::string part = after + "Content-Type: image/x\r\n\r\n";
+            const std::string text = kHeader + "Content-Type: multipart/mixed; boundary=edge\r\n" +
+                                     edge + part + "abc" + edge + part + "" + edge + part + "d\n" +
+                                     edge + "--" + after;
+            EXPECT_THAT(Describe(Read(text)),
+                        ElementsAre("<|image/x|abc>", "<|image/x|>", "<|image/x|d\n>"))
+                << before.size() << " and " << after.size();
+        }
+    }
+}
+
 } // namespace

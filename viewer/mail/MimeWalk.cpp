@@ -55,6 +55,28 @@ std::string FileNameOf(GMimePart& part)
     return LastOfPath(name.empty() ? location : name);
 }
 
+// GMime takes the line before a boundary to end as the boundary's own line does. Where they end
+// differently, a byte would be missing from the content or too many in it.
+gint64 EndOfContent(GMimeStream& content)
+{
+    const gint64 end = content.bound_end;
+    if (end < content.bound_start) {
+        return end; // it goes to the end of the document
+    }
+    const gint64 from = std::max(content.bound_start, end - 1);
+    std::array<char, 5> bytes{};
+    const GMimePointer<GMimeStream> around(g_mime_stream_substream(&content, from, end + 4));
+    const ssize_t count =
+        g_mime_stream_read(around.get(), bytes.data(), static_cast<size_t>(end + 4 - from));
+    std::string_view text(bytes.data(), static_cast<size_t>(std::max<ssize_t>(count, 0)));
+    if (from < end && text.starts_with("\r\n--")) {
+        return end - 1;
+    }
+    text.remove_prefix(std::min(text.size(), static_cast<size_t>(end - from)));
+    const bool isOneMissing = text.size() == 4 && text[0] != '\r' && text.substr(1) == "\n--";
+    return isOneMissing ? end + 1 : end;
+}
+
 // A stream of its own over the part's bytes as they were before they were encoded; null for a part
 // without content.
 GMimePointer<GMimeStream> DecodedStream(GMimePart& part)
@@ -66,7 +88,7 @@ GMimePointer<GMimeStream> DecodedStream(GMimePart& part)
         return nullptr;
     }
     const GMimePointer<GMimeStream> own(
-        g_mime_stream_substream(encoded, encoded->bound_start, encoded->bound_end));
+        g_mime_stream_substream(encoded, encoded->bound_start, EndOfContent(*encoded)));
     GMimePointer<GMimeStream> decoded(g_mime_stream_filter_new(own.get()));
     const GMimePointer<GMimeFilter> decoder(
         g_mime_filter_basic_new(g_mime_data_wrapper_get_encoding(content), FALSE));
