@@ -9,6 +9,7 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <iterator>
@@ -293,6 +294,30 @@ TEST_F(WindowEndToEnd, SeveralMoviesPlayTogether)
     for (const auto& object : result.report["objects"]) {
         EXPECT_GT(object["sound_samples"], 0);
     }
+}
+
+// Without a window manager nobody makes a window as large as the screen.
+TEST_F(WindowEndToEnd, AWindowManagerGivesItTheWholeScreenAndTakesItBack)
+{
+    if (std::system("command -v openbox >/dev/null") != 0) {
+        GTEST_SKIP() << "openbox is missing";
+    }
+    const HiddenScreen managed;
+    // It ends with its server.
+    ASSERT_EQ(std::system(("DISPLAY=" + managed.Name() + " openbox >/dev/null 2>&1 &").c_str()), 0);
+    RunningWindow window(managed, {"--size", "500x400", Clip("mpeg1.mpg")});
+    const auto isSmall = [](const Screenshot& shot) {
+        return shot.At(5, 5) == 0 && shot.At(995, 690) == 0 && shot.At(500, 540) == kBackground;
+    };
+    const auto fillsTheScreen = [](const Screenshot& shot) {
+        return shot.At(5, 5) == 0x181818 && shot.At(990, 300) == 0x181818 &&
+               shot.At(500, 698) == 0xDDDDDD && shot.At(100, 300) != 0;
+    };
+    ASSERT_TRUE(window.WaitUntil(isSmall));
+    window.Do("search --onlyvisible --name vornview windowactivate --sync key F11");
+    EXPECT_TRUE(window.WaitUntil(fillsTheScreen));
+    window.Do("key Escape");
+    EXPECT_TRUE(window.WaitUntil(isSmall));
 }
 
 // A machine without sound, and one whose device cannot be opened.
