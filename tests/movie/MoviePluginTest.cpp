@@ -265,13 +265,14 @@ class FileNameWithoutExtension : public MovieTest, public testing::WithParamInte
 TEST_P(FileNameWithoutExtension, IsNotLookedUp)
 {
     const TestBundle declaring(
-        DocumentType({"no/type"}, {"", "b", "ab", "m", "x.m", ".m", "a.m", "a"}));
+        DocumentType({"no/type"}, {"", "b", "ab", "m", "x.m", ".m", "a.m", "a", "ov.", "mpg."}));
     VornMoviePlugin plugin(declaring.Get());
     EXPECT_FALSE(plugin.CanHandleData("some/type", GetParam()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, FileNameWithoutExtension,
-                         testing::Values("ab", "x.m", "a.m", "a", "a.", "", nullptr));
+                         testing::Values("ab", "x.m", "a.m", "a", "a.", "mov.", "clip.mpg.", "",
+                                         nullptr));
 
 TEST_F(MoviePlugin, HandlesADeclaredMimeTypeWhateverTheName)
 {
