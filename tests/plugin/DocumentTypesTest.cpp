@@ -132,6 +132,23 @@ TEST_F(DocumentTypes, AStringThatCannotBeMadeMatchesNothing)
     EXPECT_TRUE(plugin.CanHandleMimeType("video/mpeg"));
 }
 
+TEST_F(DocumentTypes, AStringThatCannotBeMadeIsNotLookedUp)
+{
+    for (const int nth : {1, 2, 3}) {
+        test::ToolboxProbe probe;
+        probe.Fail("CFStringCreateWithCString", -108, nth);
+        EXPECT_FALSE(plugin.CanHandleMimeType("video/mpeg"));
+        EXPECT_EQ(probe.Count("CFBundleGetValueForInfoDictionaryKey"), 0) << nth;
+    }
+}
+
+TEST_F(DocumentTypes, EachElementIsLookedAtOnce)
+{
+    const test::ToolboxProbe probe;
+    plugin.CanHandleMimeType("video/none");
+    EXPECT_EQ(probe.Count("CFArrayGetValueAtIndex"), 4 + 3); // types, and the last one's strings
+}
+
 TEST_F(DocumentTypes, AskingLeaksNothing)
 {
     const SInt32 before = CountLiveObjects(kLiveFoundationObjects);
