@@ -113,6 +113,7 @@ private:
         const SInt32 size =
             decisions_.Below(8) == 0 ? decisions_.AnyLong() : decisions_.Between(0, 5000);
         requests_.emplace_back(offset, size, static_cast<RefCon>(requests_.size() + 1));
+        requests_.back().isCancelled = isCancellingAll_;
         return requests_.back();
     }
     ComponentSlot Completion() { return decisions_.Below(8) == 0 ? 0 : Slot(Complete); }
@@ -158,11 +159,14 @@ private:
     {
         Request* const request = decisions_.Below(4) == 0 ? nullptr : AnyRequest();
         const bool isCancelled = decisions_.Chance();
+        // Those that a completion asks for meanwhile may be among them.
+        isCancellingAll_ = isCancelled && request == nullptr;
         for (Request& each : requests_)
-            each.isCancelled |= isCancelled && (request == nullptr || &each == request);
+            each.isCancelled |= isCancellingAll_ || (isCancelled && &each == request);
         RequireDocumented(
             session_.Call(kDataHFinishDataSelect, {request == nullptr ? 0 : Slot(request->Place()),
                                                    ComponentSlot{isCancelled}}));
+        isCancellingAll_ = false;
     }
     void Poll()
     {
@@ -298,6 +302,7 @@ private:
     std::list<Request> requests_; // outlive the session, which may copy into them
     MovieSession session_;
     int depth_ = 0;
+    bool isCancellingAll_ = false;
 };
 
 Run* Run::current = nullptr;

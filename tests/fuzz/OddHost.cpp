@@ -113,7 +113,10 @@ OSErr OddObject::GetData(void* buffer, SInt32 offset, SInt32* count, SInt32* dat
         *dataComplete = decisions_.Byte();
     }
     if (wanted > 0 && *count == 0)
-        return mayFail_ && decisions_.Below(8) == 1 ? OddResult() : OSErr{kDataNotAvailableErr};
+        // A code of its own may come back as the result, so it is one of the platform.
+        return mayFail_ && decisions_.Below(8) == 1
+                   ? static_cast<OSErr>(decisions_.Between(INT16_MIN, -1))
+                   : OSErr{kDataNotAvailableErr};
     return noErr;
 }
 
