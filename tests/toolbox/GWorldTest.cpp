@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 
 namespace
@@ -247,6 +248,26 @@ TEST(GWorld, PixelsThatCannotBeLockedSaySo)
     const FailingOperation failing("LockPixels");
     EXPECT_FALSE(LockPixels(GetGWorldPixMap(world.get())));
     EXPECT_EQ(GetPixelsState(GetGWorldPixMap(world.get())) & pixelsLocked, 0U);
+}
+
+// Worlds so large that their memory is kept for later ones.
+void MakeTwoLargeWorlds()
+{
+    constexpr Rect kLarge = {0, 0, 200, 300};
+    const OwnedWorld first = MakeWorld(32, kLarge);
+    const OwnedWorld second = MakeWorld(32, kLarge);
+}
+
+TEST(GWorld, CanStillBeMadeWhileTheProcessEnds)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe"; // in a process that had none before
+    EXPECT_EXIT(
+        {
+            std::atexit(MakeTwoLargeWorlds); // runs after what ends with the first worlds
+            MakeTwoLargeWorlds();
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 } // namespace

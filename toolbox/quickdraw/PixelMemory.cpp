@@ -22,13 +22,6 @@ struct Block {
 class Pool
 {
 public:
-    ~Pool()
-    {
-        for (const Block& block : blocks_) {
-            std::free(block.bytes);
-        }
-    }
-
     // The smallest block that is large enough without wasting more than half of itself.
     Block Take(size_t size)
     {
@@ -63,9 +56,10 @@ private:
     size_t total_ = 0;
 };
 
+// Never destroyed: worlds may still be made and disposed of while the process ends.
 Pool& ThePool()
 {
-    static Pool pool;
+    static auto& pool = *new Pool;
     return pool;
 }
 

@@ -13,9 +13,10 @@ namespace
 
 using Ports = std::unordered_map<const void*, CGrafPort*>;
 
+// Never destroyed: ports may still be made and disposed of while the process ends.
 Ports& ThePorts()
 {
-    static Ports ports;
+    static auto& ports = *new Ports;
     return ports;
 }
 
