@@ -107,6 +107,11 @@ ImageBundle::ImageBundle(const std::string& name)
     Resolve(library, "VornPluginDisplayObject", displayObject);
     Resolve(library, "VornPluginSetObjectDisplayFlags", setDisplayFlags);
     Resolve(library, "VornPluginGetObjectComment", getComment);
+    Resolve(library, "VornPluginIdleObject", idleObject);
+    Resolve(library, "VornPluginHandleObjectClick", handleClick);
+    Resolve(library, "VornPluginPrepareDrag", prepareDrag);
+    Resolve(library, "VornPluginCleanupDrag", cleanupDrag);
+    Resolve(library, "VornPluginGetObjectData", getObjectData);
     Resolve(library, "VornPluginFreeObject", freeObject);
     Resolve(library, "GetFrameGWorld", getFrameGWorld);
     Resolve(library, "GetFrameMaskGWorld", getFrameMaskGWorld);

@@ -48,6 +48,11 @@ struct ImageBundle {
     decltype(&VornPluginDisplayObject) displayObject = nullptr;
     decltype(&VornPluginSetObjectDisplayFlags) setDisplayFlags = nullptr;
     decltype(&VornPluginGetObjectComment) getComment = nullptr;
+    decltype(&VornPluginIdleObject) idleObject = nullptr;
+    decltype(&VornPluginHandleObjectClick) handleClick = nullptr;
+    decltype(&VornPluginPrepareDrag) prepareDrag = nullptr;
+    decltype(&VornPluginCleanupDrag) cleanupDrag = nullptr;
+    decltype(&VornPluginGetObjectData) getObjectData = nullptr;
     decltype(&VornPluginFreeObject) freeObject = nullptr;
     decltype(&GetFrameGWorld) getFrameGWorld = nullptr;
     decltype(&GetFrameMaskGWorld) getFrameMaskGWorld = nullptr;
