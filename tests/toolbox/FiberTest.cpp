@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -126,6 +127,31 @@ TEST_F(Fibers, ResumedInsideACatchBlockDoNotDisturbIt)
     }
     fiber.Resume();
     EXPECT_EQ("1207-39", log_);
+}
+
+// As a movie's end resumes its fibers while an exception leaves the frame that owns the movie.
+TEST_F(Fibers, ResumedDuringUnwindingLeaveTheExceptionInFlightAlone)
+{
+    struct Resumer {
+        Fiber& fiber;
+        ~Resumer() { fiber.Resume(); }
+    };
+    Fiber& fiber = Make([this] {
+        log_ += std::to_string(std::uncaught_exceptions());
+        try {
+            throw OSErr{1207};
+        } catch (OSErr err) {
+            log_ += " " + std::to_string(err);
+        }
+    });
+    try {
+        const Resumer resumer{fiber};
+        throw OSErr{-39};
+    } catch (OSErr err) {
+        log_ += " " + std::to_string(err);
+    }
+    EXPECT_EQ("0 1207 -39", log_);
+    EXPECT_EQ(0, std::uncaught_exceptions());
 }
 
 TEST_F(Fibers, AreNotThreadsButRunOnTheirResumersTime)

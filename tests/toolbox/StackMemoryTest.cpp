@@ -26,15 +26,26 @@ bool IsReadable(const char* byte)
     return readable;
 }
 
-TEST(StackMemory, HasAnInaccessiblePageBelow)
+TEST(StackMemory, IsInaccessibleFor64KibibytesBelow)
 {
     for (const size_t size : {size_t{1}, size_t{1} << 20}) {
         const StackMemory stack(size);
         const auto* const bottom = static_cast<const char*>(stack.Bottom());
         EXPECT_TRUE(IsReadable(bottom));
         EXPECT_FALSE(IsReadable(bottom - 1));
-        EXPECT_FALSE(IsReadable(bottom - sysconf(_SC_PAGESIZE)));
+        EXPECT_FALSE(IsReadable(bottom - StackMemory::kGuardBytes));
     }
+}
+
+TEST(StackMemory, KnowsItsGuard)
+{
+    const StackMemory stack(0);
+    const auto* const bottom = static_cast<const char*>(stack.Bottom());
+    EXPECT_FALSE(stack.IsInGuard(bottom));
+    EXPECT_TRUE(stack.IsInGuard(bottom - 1));
+    EXPECT_TRUE(stack.IsInGuard(bottom - StackMemory::kGuardBytes));
+    EXPECT_FALSE(stack.IsInGuard(bottom - StackMemory::kGuardBytes - 1));
+    EXPECT_FALSE(stack.IsInGuard(nullptr));
 }
 
 TEST(StackMemory, IsAtLeast256KibibytesAndAtLeastWhatWasAskedFor)

@@ -66,6 +66,17 @@ inline ThreadID CurrentThread()
     return thread;
 }
 
+// Touches `bytes` of stack below its caller.
+inline void UseStack(size_t bytes)
+{
+    volatile char page[1024];
+    page[0] = 1;
+    if (bytes > sizeof page) {
+        UseStack(bytes - sizeof page);
+    }
+    page[1] = page[0]; // or the call above becomes a loop
+}
+
 inline bool Exists(ThreadID thread)
 {
     ThreadState state = 0;

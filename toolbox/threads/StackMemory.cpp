@@ -2,6 +2,7 @@
 #include "toolbox/threads/StackMemory.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -27,6 +28,11 @@ size_t WholePages(size_t bytes)
     return (bytes + PageSize() - 1) / PageSize() * PageSize();
 }
 
+size_t GuardSize()
+{
+    return WholePages(StackMemory::kGuardBytes);
+}
+
 // Never destroyed: stacks may still be given back while the process ends.
 std::vector<void*>& KeptStacks()
 {
@@ -36,21 +42,21 @@ std::vector<void*>& KeptStacks()
 
 void* MapStack(size_t size)
 {
-    void* const guard = mmap(nullptr, PageSize() + size, PROT_READ | PROT_WRITE,
+    void* const guard = mmap(nullptr, GuardSize() + size, PROT_READ | PROT_WRITE,
                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_STACK, -1, 0);
     if (guard == MAP_FAILED) {
         throw std::bad_alloc();
     }
-    if (mprotect(guard, PageSize(), PROT_NONE) != 0) {
-        munmap(guard, PageSize() + size);
+    if (mprotect(guard, GuardSize(), PROT_NONE) != 0) {
+        munmap(guard, GuardSize() + size);
         throw std::bad_alloc();
     }
-    return static_cast<char*>(guard) + PageSize();
+    return static_cast<char*>(guard) + GuardSize();
 }
 
 void UnmapStack(void* bottom, size_t size)
 {
-    munmap(static_cast<char*>(bottom) - PageSize(), PageSize() + size);
+    munmap(static_cast<char*>(bottom) - GuardSize(), GuardSize() + size);
 }
 
 void* TakeStack(size_t size)
@@ -88,6 +94,13 @@ StackMemory::~StackMemory()
     } else {
         UnmapStack(bottom_, size_);
     }
+}
+
+bool StackMemory::IsInGuard(const void* address) const
+{
+    const auto bottom = reinterpret_cast<std::uintptr_t>(bottom_);
+    const auto asked = reinterpret_cast<std::uintptr_t>(address);
+    return asked < bottom && bottom - asked <= GuardSize();
 }
 
 } // namespace toolbox

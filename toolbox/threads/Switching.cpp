@@ -5,6 +5,8 @@
 
 #include "toolbox/threads/Switching.h"
 
+#include "toolbox/threads/StackOverflow.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cxxabi.h>
@@ -103,6 +105,7 @@ ExecutionContext::ExecutionContext(size_t stackBytes, Entry entry, void* argumen
     : stack_(std::in_place, stackBytes), entry_(entry), argument_(argument),
       checkedBottom_(stack_->Bottom()), checkedSize_(stack_->Size())
 {
+    WatchForStackOverflow();
     getcontext(&start_);
     start_.uc_stack.ss_sp = stack_->Bottom();
     start_.uc_stack.ss_size = stack_->Size();
@@ -125,6 +128,11 @@ ExecutionContext& ExecutionContext::Current()
         gCurrent = new ExecutionContext; // as long as the process
     }
     return *gCurrent;
+}
+
+const StackMemory* ExecutionContext::CurrentStack()
+{
+    return gCurrent != nullptr && gCurrent->stack_ ? &*gCurrent->stack_ : nullptr;
 }
 
 #ifdef TOOLBOX_ADDRESS_SANITIZER

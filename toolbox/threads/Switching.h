@@ -37,6 +37,8 @@ public:
 
     // The one that runs now; at first the operating system's own stack.
     static ExecutionContext& Current();
+    // The stack it runs on; null for the operating system's own. May be asked by a signal handler.
+    static const StackMemory* CurrentStack();
     // Stops the current one here and goes on with `next`, which is not the current one. Returns
     // when someone switches back.
     static void SwitchTo(ExecutionContext& next);

@@ -29,8 +29,11 @@ enum { kCooperativeThread = 1 };
 /* The plain function itself. */
 TOOLBOX_EXPORT ThreadEntryUPP NewThreadEntryUPP(ThreadEntryProc entry);
 /* Makes a ready thread that will run entry(param). `stackSize` is a minimum in bytes (at least
- * 256 KiB are given, touched only as used, with a guard page below). `result`, if not null,
- * receives the entry's result. The current port and the statistics owner are inherited.
+ * 256 KiB are given, touched only as used, with 64 KiB below that nobody may touch: a stack that
+ * runs over ends the process, and a line on the standard error stream tells why. For that the
+ * first call installs a handler for SIGSEGV, which passes everything on to the one before it).
+ * `result`, if not null, receives the entry's result. The current port and the statistics owner
+ * are inherited.
  * memFullErr without memory, paramErr for another style than kCooperativeThread. */
 TOOLBOX_EXPORT OSErr NewThread(ThreadStyle style, ThreadEntryUPP entry, void* param, Size stackSize,
                                ThreadOptions options, void** result, ThreadID* thread);
