@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "toolbox/files/TemporaryFolder.h"
+
 #include "toolbox/Errors.h"
+#include "toolbox/Types.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -11,7 +15,9 @@
 #include <fstream>
 #include <memory>
 #include <optional>
+#include <sched.h>
 #include <string>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,11 +28,14 @@ namespace
 
 namespace fs = std::filesystem;
 
+constexpr uid_t kNobody = 65534;
+constexpr int kCannotMount = 255;
+
 // Another process that holds a temporary folder (FolderHolder.cpp).
 class Holder
 {
 public:
-    explicit Holder(const fs::path& parent)
+    explicit Holder(const fs::path& parent, mode_t mask = 022)
     {
         int requests[2];
         int answers[2];
@@ -38,6 +47,7 @@ public:
             dup2(requests[0], STDIN_FILENO);
             dup2(answers[1], STDOUT_FILENO);
             setenv("TMPDIR", parent.c_str(), 1);
+            umask(mask);
             execl(FOLDER_HOLDER, FOLDER_HOLDER, nullptr);
             _exit(127);
         }
@@ -64,6 +74,13 @@ public:
         Started();
         const std::string line = request + "\n";
         return write(requests_, line.data(), line.size()) > 0 ? ReadAnswer() : -9999;
+    }
+
+    // Goes on as the same program from its beginning, and so with the same process number.
+    int StartAnew()
+    {
+        Ask("exec");
+        return ReadAnswer();
     }
 
     void Kill()
@@ -115,6 +132,45 @@ protected:
             folders.push_back(entry.path());
         }
         return folders;
+    }
+
+    static mode_t ModeOf(const fs::path& path)
+    {
+        struct stat status {
+        };
+        return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
+    }
+
+    // What `steps` answer in a forked process.
+    template <class Steps>
+    static int ErrorInAnotherProcess(Steps steps)
+    {
+        const pid_t child = fork();
+        if (child == 0) {
+            _exit(steps());
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    static int ErrorOfMaking(const std::string& parent)
+    {
+        try {
+            toolbox::TemporaryFolder(parent).Remove();
+            return noErr;
+        } catch (OSErr err) {
+            return err;
+        }
+    }
+
+    // A small volume at the parent, for this process alone.
+    bool Mount(unsigned long flags, const char* options) const
+    {
+        const bool mayMount =
+            unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
+        return mayMount && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+               mount("tmpfs", parent_.c_str(), "tmpfs", flags, options) == 0;
     }
 
     // What a process left that had no chance to clean up.
@@ -181,6 +237,46 @@ TEST_F(TemporaryFolder, EveryProcessOfManyThatStartAtOnceGetsOneOfItsOwn)
         EXPECT_EQ(noErr, holder->Ask("open"));
     }
     EXPECT_EQ(16U, Folders().size());
+}
+
+TEST_F(TemporaryFolder, IsForItsUserOnlyWithItsFilesWhateverTheUmask)
+{
+    for (const mode_t mask : {mode_t{0}, mode_t{0777}}) {
+        Holder holder(parent_, mask);
+        ASSERT_EQ(noErr, holder.Started());
+        ASSERT_EQ(1U, Folders().size());
+        EXPECT_EQ(0700U, ModeOf(Folders().front()));
+        EXPECT_EQ(0600U, ModeOf(Folders().front() / "held"));
+        EXPECT_EQ(noErr, holder.Ask("open"));
+    }
+}
+
+TEST_F(TemporaryFolder, IsShutToOtherUsers)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can become somebody else";
+    }
+    Holder holder(parent_, 0);
+    ASSERT_EQ(noErr, holder.Started());
+    const int folder = open(parent_.c_str(), O_RDONLY | O_DIRECTORY);
+    const std::string held = Folders().front().filename() / "held";
+    EXPECT_EQ(EACCES, ErrorInAnotherProcess([&] {
+                  return seteuid(kNobody) == 0 && openat(folder, held.c_str(), O_RDONLY) < 0 ? errno
+                                                                                             : 0;
+              }));
+    close(folder);
+}
+
+// What tells the dead from the living is a lock, not the number of a process, which comes again.
+TEST_F(TemporaryFolder, IsKnownForAbandonedThoughItsProcessNumberIsInUse)
+{
+    Holder holder(parent_);
+    ASSERT_EQ(noErr, holder.Started());
+    ASSERT_EQ(1U, Folders().size());
+    const fs::path before = Folders().front();
+    EXPECT_EQ(noErr, holder.StartAnew());
+    EXPECT_FALSE(fs::exists(before));
+    EXPECT_EQ(1U, Folders().size());
 }
 
 TEST_F(TemporaryFolder, IsMadeOncePerProcess)
@@ -265,12 +361,33 @@ TEST_F(TemporaryFolder, IsNotThereIfItsParentIsNot)
 
 TEST_F(TemporaryFolder, IsNotThereIfItsParentMayNotBeWritten)
 {
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "root may write everywhere";
+    ASSERT_EQ(0, chmod(parent_.c_str(), 0555));
+    EXPECT_EQ(-permErr, ErrorInAnotherProcess([&] {
+        const bool ready = chdir(parent_.c_str()) == 0 && // its way may be shut to nobody
+                           (geteuid() != 0 || seteuid(kNobody) == 0);
+        return ready ? -ErrorOfMaking(".") : 0;
+    }));
+}
+
+TEST_F(TemporaryFolder, IsNotThereOnAVolumeForReadingOnly)
+{
+    const int error = ErrorInAnotherProcess([&] {
+        return Mount(MS_RDONLY, "size=1m") ? -ErrorOfMaking(parent_.string()) : kCannotMount;
+    });
+    if (error == kCannotMount) {
+        GTEST_SKIP() << "this process may not mount anything";
     }
-    ASSERT_EQ(0, chmod(parent_.c_str(), 0500));
-    Holder holder(parent_);
-    EXPECT_EQ(permErr, holder.Started());
+    EXPECT_EQ(-wPrErr, error);
+}
+
+TEST_F(TemporaryFolder, IsNotThereOnAFullVolume)
+{
+    const int error = ErrorInAnotherProcess(
+        [&] { return Mount(0, "nr_inodes=1") ? -ErrorOfMaking(parent_.string()) : kCannotMount; });
+    if (error == kCannotMount) {
+        GTEST_SKIP() << "this process may not mount anything";
+    }
+    EXPECT_EQ(-dskFulErr, error);
 }
 
 } // namespace

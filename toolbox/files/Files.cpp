@@ -229,7 +229,8 @@ OSErr FSpCreate(const FSSpec* spec, OSType creator, OSType fileType, SInt16 /*sc
 {
     return Perform("FSpCreate", [&] {
         const Place place = PlaceOf(spec);
-        OpenAt(place, O_WRONLY | O_CREAT | O_EXCL);
+        const FileDescriptor file = OpenAt(place, O_WRONLY | O_CREAT | O_EXCL);
+        fchmod(file.Get(), 0600); // whatever bits the process's umask takes away
         Kinds()[place.name] = {fileType, creator};
     });
 }
