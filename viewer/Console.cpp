@@ -41,6 +41,12 @@ const char* MeaningOf(OSErr error)
         return "it could not be read";
     case dskFulErr:
         return "the disk is full";
+    case dirNFErr:
+        return "the folder for temporary files is gone";
+    case wPrErr:
+        return "the folder for temporary files is for reading only";
+    case tmfoErr:
+        return "too many files are open";
     case memFullErr:
         return "there is not enough memory";
     case paramErr:

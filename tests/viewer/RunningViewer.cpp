@@ -45,18 +45,15 @@ void SendTo(const std::string& path, int descriptor)
 
 } // namespace
 
-ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::string& temporary,
-                         int interruptAfter, int signal)
+ViewerResult RunVornviewAnd(const std::function<void(pid_t program)>& meanwhile,
+                            const std::vector<std::string>& arguments, const std::string& temporary)
 {
     const TestFolder output;
     const pid_t child = fork();
     if (child == 0) {
         BecomeVornview(arguments, temporary, output);
     }
-    if (interruptAfter > 0) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(interruptAfter));
-        kill(child, signal);
-    }
+    meanwhile(child);
     int status = 0;
     waitpid(child, &status, 0);
     ViewerResult result;
@@ -64,6 +61,18 @@ ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::s
     result.out = output.Read("out");
     result.err = WithoutSanitizerNote(output.Read("err"));
     return result;
+}
+
+ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::string& temporary,
+                         int interruptAfter, int signal)
+{
+    const auto interrupt = [=](pid_t program) {
+        if (interruptAfter > 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(interruptAfter));
+            kill(program, signal);
+        }
+    };
+    return RunVornviewAnd(interrupt, arguments, temporary);
 }
 
 ViewerResult RunningViewer::Run(std::vector<std::string> arguments)

@@ -6,8 +6,10 @@
 #include "tests/viewer/TestFiles.h"
 
 #include <csignal>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 struct ViewerResult {
@@ -38,7 +40,10 @@ private:
     TestFolder folder_;
 };
 
-// The program with just these arguments. It gets the signal after `interruptAfter` milliseconds, if
-// that is not 0.
+// The program with just these arguments; `meanwhile` is called while it runs.
+ViewerResult RunVornviewAnd(const std::function<void(pid_t program)>& meanwhile,
+                            const std::vector<std::string>& arguments,
+                            const std::string& temporary);
+// It gets the signal after `interruptAfter` milliseconds, if that is not 0.
 ViewerResult RunVornview(const std::vector<std::string>& arguments, const std::string& temporary,
                          int interruptAfter = 0, int signal = SIGINT);
