@@ -147,6 +147,8 @@ void EmbeddedObject::WaitAgain()
     hasPixels_ = false;
     renderingDone_ = false;
     framesDrawn_ = 0;
+    statistics_ = {};
+    moviesDeadline_ = -1;
 }
 
 void EmbeddedObject::Observe()
@@ -187,17 +189,21 @@ void EmbeddedObject::Display()
                                 : description_.displayFlags);
     plugin_.Display(area_);
     wasDisplayed_ = plugin_.IsMade();
+    LookAtMovies();
 }
 
 void EmbeddedObject::Idle()
 {
     const OSErr error = plugin_.Idle(area_);
     idleError_ = idleError_ == noErr ? error : idleError_;
+    LookAtMovies();
 }
 
 bool EmbeddedObject::Click(const EventRecord& event)
 {
-    return plugin_.Click(area_, event);
+    const bool taken = plugin_.Click(area_, event);
+    LookAtMovies();
+    return taken;
 }
 
 // Before there are pixels an image may draw, but there is nothing to be seen.
@@ -215,8 +221,12 @@ void EmbeddedObject::NoteDrawing(Drawing drawing)
 
 bool EmbeddedObject::IsIdleDue(SInt64 now, bool isInView) const
 {
+    if (!plugin_.IsMade()) {
+        return false;
+    }
     if (!IsImage() || !hasDimensions_) {
-        return true;
+        const bool moviesAreDue = moviesDeadline_ >= 0 && moviesDeadline_ <= now;
+        return !IsSettled() || moviesAreDue || rhythm_.IsDue(now);
     }
     return isInView && !needsDisplay_ && (!MayMove() || rhythm_.IsDue(now));
 }
@@ -228,7 +238,9 @@ bool EmbeddedObject::MayMove() const
 
 void EmbeddedObject::NoteIdle(SInt64 now, IdleRhythm::Kind kind)
 {
-    if (IsImage() && MayMove()) {
+    if (!IsImage() || (IsSettled() && !hasDimensions_)) {
+        rhythm_.Idled(now, IdleRhythm::Kind::kEveryTick);
+    } else if (MayMove()) {
         rhythm_.Idled(now, kind);
     }
 }
@@ -302,10 +314,23 @@ void EmbeddedObject::TakeRenderingDone(OSErr error)
     needsDisplay_ = true;
 }
 
-MovieStatistics EmbeddedObject::Statistics()
+// Once everything has been decoded, movies change in these calls only: there may be a thousand that
+// nobody has to ask in every round.
+void EmbeddedObject::LookAtMovies()
 {
+    if (!IsImage()) {
+        GetMovieStatistics(this, &statistics_);
+        moviesDeadline_ = NextMovieDeadline(this);
+    }
+}
+
+MovieStatistics EmbeddedObject::Statistics() const
+{
+    if (IsSettled() || !plugin_.IsMade()) {
+        return statistics_;
+    }
     MovieStatistics statistics{};
-    GetMovieStatistics(this, &statistics);
+    GetMovieStatistics(const_cast<EmbeddedObject*>(this), &statistics);
     return statistics;
 }
 

@@ -71,7 +71,8 @@ public:
     // It is shown by a bundle that plays no movies.
     bool IsImage() const { return Bundle() != nullptr && !Bundle()->PlaysMovies(); }
     // Whether it is to be given time. An image only moves where it can be seen, and not before it
-    // was displayed as a whole: that would show its second frame at once.
+    // was displayed as a whole: that would show its second frame at once. A movie that has settled
+    // gets some when it needs it and in every tick, not in every round.
     bool IsIdleDue(SInt64 now, bool isInView) const;
     // It has been given time.
     void NoteIdle(SInt64 now, IdleRhythm::Kind kind);
@@ -117,7 +118,7 @@ public:
     // What an image has drawn by itself, but 1 for one that was only displayed.
     SInt32 ImagePicturesShown() const;
     // Of its movies.
-    MovieStatistics Statistics();
+    MovieStatistics Statistics() const;
     bool IdleFailed() const { return idleError_ != noErr; }
     ObjectReport Report();
     const std::string& FileName() const { return description_.fileName; }
@@ -135,6 +136,7 @@ private:
     OSErr NothingInIt() const;
     bool IsShown() const;
     bool MayMove() const;
+    void LookAtMovies();
     FirstPicture Now() const;
 
     ObjectDescription description_;
@@ -162,6 +164,8 @@ private:
     bool hasPixels_ = false; // of an image: rows were told of, or all is there
     bool renderingDone_ = false;
     IdleRhythm rhythm_;
+    MovieStatistics statistics_{};
+    SInt64 moviesDeadline_ = -1;
     SInt32 framesDrawn_ = 0;
     std::optional<FirstPicture> firstPicture_;
 };

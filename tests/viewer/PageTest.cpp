@@ -174,6 +174,21 @@ TEST_F(PageTest, AnObjectIsSettledAFullRoundAfterItsDecodingEnded)
     EXPECT_TRUE(object.IsSettled());
 }
 
+TEST_F(PageTest, AMovieThatHasSettledAndNeedsNothingIsGivenTimeOncePerTick)
+{
+    const EmbeddedObject& object = AddStarted("a");
+    EXPECT_TRUE(object.IsIdleDue(clock.Now(), true));
+    for (int i = 0; i < 10; ++i) {
+        YieldToAnyThread();
+        page.IdleObjects();
+        page.DrawChanges();
+        page.ObserveObjects();
+    }
+    ASSERT_TRUE(object.IsSettled());
+    EXPECT_FALSE(object.IsIdleDue(clock.Now(), true));
+    EXPECT_TRUE(object.IsIdleDue(clock.Now() + viewer::kTickMicroseconds, true));
+}
+
 TEST_F(PageTest, NewRowsOfAnImageAreDrawn30TimesASecond)
 {
     EmbeddedObject& object = AddStarted("a");

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <memory>
 #include <new>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -31,7 +32,8 @@ namespace
 // Never destroyed: components may still be closed while the process ends.
 struct Registry {
     std::vector<std::unique_ptr<ComponentRecord>> components; // in the order of registration
-    std::vector<std::unique_ptr<ComponentInstanceRecord>> instances;
+    // Asked at every call, so that a page with many movies does not make each of them slower.
+    std::unordered_map<ComponentInstance, std::unique_ptr<ComponentInstanceRecord>> instances;
     std::vector<BuiltInRegistration> builtIns; // not yet run
     bool registeringBuiltIns = false;
 };
@@ -42,23 +44,21 @@ Registry& TheRegistry()
     return registry;
 }
 
-template <class Record>
-auto Find(std::vector<std::unique_ptr<Record>>& records, const Record* record)
+auto FindRegistered(Component component)
 {
-    return std::find_if(records.begin(), records.end(),
-                        [record](const auto& held) { return held.get() == record; });
+    auto& components = TheRegistry().components;
+    return std::find_if(components.begin(), components.end(),
+                        [component](const auto& held) { return held.get() == component; });
 }
 
 bool IsRegistered(Component component)
 {
-    auto& components = TheRegistry().components;
-    return Find(components, component) != components.end();
+    return FindRegistered(component) != TheRegistry().components.end();
 }
 
 bool IsOpen(ComponentInstance instance)
 {
-    auto& instances = TheRegistry().instances;
-    return Find(instances, instance) != instances.end();
+    return TheRegistry().instances.contains(instance);
 }
 
 void RegisterBuiltIns()
@@ -116,18 +116,18 @@ ComponentResult SendSelector(ComponentInstance instance, SInt16 selector, Compon
 
 void RemoveInstance(ComponentInstance instance)
 {
-    auto& instances = TheRegistry().instances;
-    instances.erase(Find(instances, instance));
+    TheRegistry().instances.erase(instance);
     CountInLedger(kLiveComponentInstances, -1);
 }
 
 ComponentInstance AddInstance(Component component)
 {
-    auto& instances = TheRegistry().instances;
-    instances.push_back(std::make_unique<ComponentInstanceRecord>());
-    instances.back()->component = component;
+    auto made = std::make_unique<ComponentInstanceRecord>();
+    made->component = component;
+    const ComponentInstance instance = made.get();
+    TheRegistry().instances.emplace(instance, std::move(made));
     CountInLedger(kLiveComponentInstances, 1);
-    return instances.back().get();
+    return instance;
 }
 
 // The instance is there while the component opens or closes it, and gone if it was not opened.
@@ -233,7 +233,7 @@ Component FindNextComponent(Component after, const ComponentDescription* looking
     auto& components = TheRegistry().components;
     auto candidate = components.begin();
     if (after != nullptr) {
-        candidate = Find(components, after);
+        candidate = FindRegistered(after);
         candidate += candidate != components.end() ? 1 : 0;
     }
     candidate = std::find_if(candidate, components.end(), [looking](const auto& offered) {

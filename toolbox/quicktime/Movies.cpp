@@ -5,22 +5,29 @@
 #include "toolbox/probe/Announce.h"
 #include "toolbox/quicktime/Movie.h"
 #include "toolbox/quicktime/MovieController.h"
+#include "toolbox/quicktime/MovieList.h"
 #include "toolbox/quicktime/SoundOutput.h"
 #include "toolbox/threads/Threads.h"
 
 #include <algorithm>
+#include <list>
 #include <new>
 #include <utility>
-#include <vector>
 
 using namespace toolbox;
 
 namespace
 {
 
-std::vector<Movie> gMovies; // alive, in the order of opening
 OSErr gMoviesError = noErr;
 ToolboxSoundSink gSoundSink{};
+
+// Never destroyed: movies may be left when the process ends.
+MovieList& LiveMovies()
+{
+    static auto& movies = *new MovieList;
+    return movies;
+}
 
 OSErr Note(OSErr err)
 {
@@ -37,9 +44,17 @@ TimeValue ToTimeValue(Nanoseconds time)
     return static_cast<TimeValue>(std::min<SInt64>(units, INT32_MAX));
 }
 
-bool IsAlive(Movie movie)
+template <class Movies>
+SInt64 EarliestDeadline(const Movies& movies)
 {
-    return std::find(gMovies.begin(), gMovies.end(), movie) != gMovies.end();
+    SInt64 earliest = -1;
+    for (const Movie movie : movies) {
+        const SInt64 deadline = movie->NextDeadline();
+        if (deadline >= 0 && (earliest < 0 || deadline < earliest)) {
+            earliest = deadline;
+        }
+    }
+    return earliest;
 }
 
 OSErr OpenMovieOn(Handle dataRef, OSType type, bool isAsynchronous,
@@ -97,7 +112,7 @@ OSErr NewMovieFromDataRef(Movie* movie, SInt16 flags, SInt16*, Handle dataRef, O
     try {
         err = OpenMovieOn(dataRef, dataRefType, (flags & newMovieAsyncOK) != 0, &opened);
         if (opened) {
-            gMovies.push_back(opened.get());
+            LiveMovies().Add(opened.get(), opened->Owner());
         }
     } catch (const std::bad_alloc&) {
         opened.reset();
@@ -110,7 +125,7 @@ OSErr NewMovieFromDataRef(Movie* movie, SInt16 flags, SInt16*, Handle dataRef, O
 void DisposeMovie(Movie movie)
 {
     Announce("DisposeMovie");
-    std::erase(gMovies, movie);
+    LiveMovies().Remove(movie);
     delete movie;
 }
 
@@ -125,14 +140,14 @@ void MoviesTask(Movie movie, SInt32)
     if (Note(Announce("MoviesTask")) != noErr) {
         return;
     }
-    const std::vector<Movie> tasked = movie != nullptr ? std::vector<Movie>{movie} : gMovies;
+    const std::list<Movie> tasked = movie != nullptr ? std::list<Movie>{movie} : LiveMovies().All();
     for (const Movie each : tasked) {
-        if (IsAlive(each)) {
+        if (LiveMovies().Holds(each)) {
             each->Slice();
         }
     }
     for (const Movie each : tasked) {
-        if (IsAlive(each)) {
+        if (LiveMovies().Holds(each)) {
             each->TaskDataHandler();
         }
     }
@@ -307,10 +322,7 @@ void GetMovieStatistics(void* owner, MovieStatistics* statistics)
 {
     Announce("GetMovieStatistics");
     *statistics = MovieStatistics{};
-    for (const Movie movie : gMovies) {
-        if (movie->Owner() != owner) {
-            continue;
-        }
+    for (const Movie movie : LiveMovies().Of(owner)) {
         ++statistics->movies;
         statistics->picturesShown += movie->PicturesShown();
         statistics->picturesDropped += movie->PicturesDropped();
@@ -325,12 +337,11 @@ void GetMovieStatistics(void* owner, MovieStatistics* statistics)
 SInt64 NextToolboxDeadline(void)
 {
     Announce("NextToolboxDeadline");
-    SInt64 earliest = -1;
-    for (const Movie movie : gMovies) {
-        const SInt64 deadline = movie->NextDeadline();
-        if (deadline >= 0 && (earliest < 0 || deadline < earliest)) {
-            earliest = deadline;
-        }
-    }
-    return earliest;
+    return EarliestDeadline(LiveMovies().All());
+}
+
+SInt64 NextMovieDeadline(void* owner)
+{
+    Announce("NextMovieDeadline");
+    return EarliestDeadline(LiveMovies().Of(owner));
 }

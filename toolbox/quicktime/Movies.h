@@ -133,6 +133,8 @@ TOOLBOX_EXPORT void GetMovieStatistics(void* owner, MovieStatistics* statistics)
 /* When the toolbox next needs time: microseconds of its clock (not before now) until a picture or
  * sound is due or a fiber is ready, or -1 when nothing is pending. */
 TOOLBOX_EXPORT SInt64 NextToolboxDeadline(void);
+/* The same for the movies of a statistics owner. */
+TOOLBOX_EXPORT SInt64 NextMovieDeadline(void* owner);
 
 TOOLBOX_END_DECLS
 
