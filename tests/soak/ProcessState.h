@@ -13,10 +13,17 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+// Allocated; 0 under the sanitizers, which have a heap of their own.
+inline size_t HeapBytes()
+{
+    const struct mallinfo2 heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+}
+
 struct ProcessState {
     std::array<SInt32, kLiveObjectKinds> live{}; // of the toolbox's objects, by kind
     size_t descriptors = 0;
-    size_t heapBytes = 0;     // allocated; 0 under the sanitizers, which have a heap of their own
+    size_t heapBytes = 0;
     size_t residentBytes = 0; // in memory
     double processorSeconds = 0;
 
@@ -28,8 +35,7 @@ struct ProcessState {
         }
         const std::filesystem::directory_iterator descriptors("/proc/self/fd");
         state.descriptors = static_cast<size_t>(std::distance(begin(descriptors), {}));
-        const struct mallinfo2 heap = mallinfo2();
-        state.heapBytes = heap.uordblks + heap.hblkhd;
+        state.heapBytes = HeapBytes();
         size_t pages = 0;
         std::ifstream("/proc/self/statm") >> pages >> pages;
         state.residentBytes = pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));

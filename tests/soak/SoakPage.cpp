@@ -20,6 +20,9 @@ constexpr SInt16 kCellsInRow = 15;
 // Some objects come at once, others take minutes.
 constexpr SInt64 kLeastBytesPerSecond = 2'000;
 constexpr SInt64 kMostBytesPerSecond = 500'000;
+// So that a movie, of which only one at a time may be between its making and its opening, does not
+// keep the others waiting for its bytes.
+constexpr SInt32 kBytesToStartWith = 70'000;
 // Of a hundred objects how many begin to go in a second, on average.
 constexpr double kGoingInASecond = 3;
 constexpr double kMicrosecondsPerSecond = 1e6;
@@ -229,7 +232,7 @@ void SoakPage::Start(Resident& resident)
         return;
     }
     object.Bytes().Pump(INT32_MAX);
-    if (object.Bytes().Arrived() == 0 && !object.Bytes().IsAtEnd()) {
+    if (object.Bytes().Arrived() < kBytesToStartWith && !object.Bytes().IsAtEnd()) {
         return;
     }
     for (const auto& bundle : plugins_.Bundles()) {
