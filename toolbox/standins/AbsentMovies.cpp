@@ -137,3 +137,8 @@ SInt64 NextToolboxDeadline(void)
 {
     return -1;
 }
+
+SInt64 NextMovieDeadline(void*)
+{
+    return -1;
+}
