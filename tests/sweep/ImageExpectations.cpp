@@ -37,7 +37,7 @@ std::vector<Expectation> AnimatedImageExpectations()
 {
     return {
         {"GetCurrentThread", kNothing, kNothing},
-        {"LockPixels", "clicks=0 decode=-1,-108 page=other",
+        {"LockPixels", "clicks=0,6 decode=-1,-108 display=-1 page=other",
          "clicks=0 decode=-1,-108 display=-1 page=other", kUnblankedWorlds},
         {"NewGWorld", "clicks=0,6 decode=E display=E page=other",
          "clicks=0 decode=E display=E page=other", kFrameWithoutMask},
