@@ -3,6 +3,8 @@
 // Where movies draw.
 #include "tests/toolbox/OpenedMovie.h"
 
+#include <sys/resource.h>
+
 namespace
 {
 
@@ -76,6 +78,51 @@ TEST(MovieDrawing, FillsItsBoxAtEverySize)
             EXPECT_EQ(untouched, 0) << width << " by " << height;
         }
     }
+}
+
+// What the port shows of a picture drawn with that many rows and columns.
+std::vector<UInt8> CornerOf(OpenedMovie& page, SInt16 side)
+{
+    const Rect bounds = {0, 0, static_cast<SInt16>(side + 16), side};
+    MCSetControllerBoundsRect(page.controller, &bounds);
+    MCDoAction(page.controller, mcActionDraw, page.port);
+    SInt32 rowBytes = 0;
+    const UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
+    std::vector<UInt8> corner;
+    for (int v = 0; v < 400; ++v) {
+        corner.insert(corner.end(), pixels + v * rowBytes, pixels + v * rowBytes + 500 * 4);
+    }
+    return corner;
+}
+
+TEST(MovieDrawing, BeyondALargeSizeOnlyEnlargesPixels)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    page.OpenAll();
+    const std::vector<UInt8> large = CornerOf(page, 4096);
+    const std::vector<UInt8> twice = CornerOf(page, 8192);
+    size_t different = 0;
+    for (size_t v = 0; v < 400; ++v) {
+        for (size_t h = 0; h < 500; ++h) {
+            different +=
+                memcmp(&twice[(v * 500 + h) * 4], &large[(v / 2 * 500 + h / 2) * 4], 4) != 0;
+        }
+    }
+    EXPECT_EQ(different, 0U);
+}
+
+TEST(MovieDrawing, TakesNoMemoryForWhatIsNotSeen)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    page.OpenAll();
+    CornerOf(page, 4096);
+    rusage before{};
+    getrusage(RUSAGE_SELF, &before);
+    CornerOf(page, 20000);
+    rusage after{};
+    getrusage(RUSAGE_SELF, &after);
+    constexpr long kKilobytesThatOneOfThemTakes = 1600000;
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, kKilobytesThatOneOfThemTakes / 10);
 }
 
 TEST(MovieDrawing, DoesNotTouchItsNeighboursAtAnyWidth)

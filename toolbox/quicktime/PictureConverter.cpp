@@ -13,6 +13,9 @@ namespace toolbox
 namespace
 {
 
+// A place may be as large as coordinates go, of which a port shows a corner: no picture is scaled
+// to more than this, or its own size.
+constexpr int kLargestSide = 4096;
 constexpr int kBytesPerPixel = 4;
 // Rows converted before their bytes are put in order: few enough to be still in the cache then.
 constexpr int kBandRows = 16;
@@ -56,7 +59,8 @@ void PictureConverter::Draw(const AVFrame& picture, CGrafPort& port, const Rect&
     if (visible.empty() || !Prepare(picture, place)) {
         return;
     }
-    if (visible.size() == 1 && IsSame(visible[0], place) && WidthOf(place) % kPixelGroup == 0) {
+    if (visible.size() == 1 && IsSame(visible[0], place) && WidthOf(place) % kPixelGroup == 0 &&
+        IsMadeFor(place)) {
         SInt32 rowBytes = 0;
         GetPortPixels(&port, &rowBytes);
         Convert(picture, PixelAddress(port, place.top, place.left), rowBytes);
@@ -70,9 +74,13 @@ void PictureConverter::Draw(const AVFrame& picture, CGrafPort& port, const Rect&
 
 bool PictureConverter::Prepare(const AVFrame& picture, const Rect& place)
 {
-    const Geometry wanted = {picture.width,      picture.height,      picture.format,
-                             picture.colorspace, picture.color_range, WidthOf(place),
-                             HeightOf(place)};
+    const Geometry wanted = {picture.width,
+                             picture.height,
+                             picture.format,
+                             picture.colorspace,
+                             picture.color_range,
+                             std::min(WidthOf(place), std::max(picture.width, kLargestSide)),
+                             std::min(HeightOf(place), std::max(picture.height, kLargestSide))};
     if (scaler_ && wanted == geometry_) {
         return true;
     }
@@ -120,16 +128,40 @@ void PictureConverter::Convert(const AVFrame& picture, UInt8* pixels, SInt32 row
 void PictureConverter::DrawThroughScratch(const AVFrame& picture, CGrafPort& port,
                                           const Rect& place, const std::vector<Rect>& visible)
 {
-    const int paddedWidth = (WidthOf(place) + 2 * kPixelGroup) & ~(kPixelGroup - 1);
+    const int paddedWidth = (geometry_.toWidth + 2 * kPixelGroup) & ~(kPixelGroup - 1);
     const SInt32 rowBytes = paddedWidth * kBytesPerPixel;
-    scratch_.resize(static_cast<size_t>(rowBytes) * static_cast<size_t>(HeightOf(place)));
+    scratch_.resize(static_cast<size_t>(rowBytes) * static_cast<size_t>(geometry_.toHeight));
     Convert(picture, scratch_.data(), rowBytes);
     for (const Rect& rect : visible) {
+        if (!IsMadeFor(place)) {
+            EnlargeScratch(port, place, rect, rowBytes);
+            continue;
+        }
         const UInt8* from = scratch_.data() + ptrdiff_t{rect.top - place.top} * rowBytes +
                             ptrdiff_t{rect.left - place.left} * kBytesPerPixel;
         for (SInt16 v = rect.top; v < rect.bottom; ++v, from += rowBytes) {
             std::memcpy(PixelAddress(port, v, rect.left), from,
                         static_cast<size_t>(WidthOf(rect)) * kBytesPerPixel);
+        }
+    }
+}
+
+bool PictureConverter::IsMadeFor(const Rect& place) const
+{
+    return geometry_.toWidth == WidthOf(place) && geometry_.toHeight == HeightOf(place);
+}
+
+// Only what is seen, each pixel the nearest one.
+void PictureConverter::EnlargeScratch(CGrafPort& port, const Rect& place, const Rect& visible,
+                                      SInt32 rowBytes)
+{
+    for (SInt16 v = visible.top; v < visible.bottom; ++v) {
+        const SInt64 row = SInt64{v - place.top} * geometry_.toHeight / HeightOf(place);
+        const UInt8* const from = scratch_.data() + row * rowBytes;
+        UInt8* to = PixelAddress(port, v, visible.left);
+        for (SInt16 h = visible.left; h < visible.right; ++h, to += kBytesPerPixel) {
+            const SInt64 column = SInt64{h - place.left} * geometry_.toWidth / WidthOf(place);
+            std::memcpy(to, from + column * kBytesPerPixel, kBytesPerPixel);
         }
     }
 }

@@ -32,9 +32,11 @@ private:
         bool operator==(const Geometry&) const = default;
     };
     bool Prepare(const AVFrame& picture, const Rect& place);
+    bool IsMadeFor(const Rect& place) const;
     void Convert(const AVFrame& picture, UInt8* pixels, SInt32 rowBytes);
     void DrawThroughScratch(const AVFrame& picture, CGrafPort& port, const Rect& place,
                             const std::vector<Rect>& visible);
+    void EnlargeScratch(CGrafPort& port, const Rect& place, const Rect& visible, SInt32 rowBytes);
 
     Geometry geometry_;
     LibAVPtr<SwsContext> scaler_;
