@@ -44,6 +44,20 @@ TEST(BadMovie, PlaysWhatItCanOfACutOne)
     }
 }
 
+TEST(BadMovie, MayNameColoursThatThereAreNot)
+{
+    // A sequence display extension with colour matrix 42 behind the sequence extension.
+    std::string bytes = Clip("video.m2v");
+    const size_t extension = bytes.find(std::string("\0\0\1\xB5", 4));
+    ASSERT_NE(extension, std::string::npos);
+    bytes.insert(extension + 10, std::string("\0\0\1\xB5\x2B\1\1\x2A\2\xC2\4\x80", 12));
+    OpenedMovie page(bytes, "clip.m2v");
+    page.OpenAll();
+    page.ClickPlay();
+    page.PlayToEnd();
+    EXPECT_EQ(page.Statistics().picturesShown, ExpectedPictures("video.m2v"));
+}
+
 TEST(BadMovie, SurvivesRandomDamage)
 {
     std::mt19937 random(7);

@@ -37,6 +37,17 @@ bool IsSame(const Rect& a, const Rect& b)
     return a.top == b.top && a.left == b.left && a.bottom == b.bottom && a.right == b.right;
 }
 
+// libavcodec writes the stream's number into some fields, whether there is such an enumerator or
+// not.
+template <class Enumeration>
+int NumberIn(const Enumeration& field)
+{
+    int number = 0;
+    static_assert(sizeof field == sizeof number);
+    std::memcpy(&number, &field, sizeof number);
+    return number;
+}
+
 // libswscale's fast converters write B, G, R, A; a port's pixels are x, R, G, B, with x zero.
 VORN_CPU_VERSIONS void PutBytesInOrder(UInt8* row, int width)
 {
@@ -77,8 +88,8 @@ bool PictureConverter::Prepare(const AVFrame& picture, const Rect& place)
     const Geometry wanted = {picture.width,
                              picture.height,
                              picture.format,
-                             picture.colorspace,
-                             picture.color_range,
+                             NumberIn(picture.colorspace),
+                             NumberIn(picture.color_range),
                              std::min(WidthOf(place), std::max(picture.width, kLargestSide)),
                              std::min(HeightOf(place), std::max(picture.height, kLargestSide))};
     if (scaler_ && wanted == geometry_) {
@@ -94,8 +105,8 @@ bool PictureConverter::Prepare(const AVFrame& picture, const Rect& place)
         return false;
     }
     const int* const matrix = sws_getCoefficients(
-        picture.colorspace == AVCOL_SPC_UNSPECIFIED ? SWS_CS_DEFAULT : picture.colorspace);
-    sws_setColorspaceDetails(scaler_.get(), matrix, picture.color_range == AVCOL_RANGE_JPEG ? 1 : 0,
+        wanted.colorspace == AVCOL_SPC_UNSPECIFIED ? SWS_CS_DEFAULT : wanted.colorspace);
+    sws_setColorspaceDetails(scaler_.get(), matrix, wanted.range == AVCOL_RANGE_JPEG ? 1 : 0,
                              matrix, 1, 0, 1 << 16, 1 << 16);
     return true;
 }
