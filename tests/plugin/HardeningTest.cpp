@@ -22,11 +22,13 @@ std::string OutputOf(const std::string& command)
 {
     std::string output;
     FILE* const pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr)
+    if (pipe == nullptr) {
         return output;
+    }
     char buffer[4096];
-    while (const size_t count = fread(buffer, 1, sizeof buffer, pipe))
+    while (const size_t count = fread(buffer, 1, sizeof buffer, pipe)) {
         output.append(buffer, count);
+    }
     pclose(pipe);
     return output;
 }
@@ -35,8 +37,9 @@ std::vector<std::string> BuiltFiles()
 {
     std::istringstream list(VORN_BUILT_FILES);
     std::vector<std::string> files;
-    for (std::string file; std::getline(list, file, ':');)
+    for (std::string file; std::getline(list, file, ':');) {
         files.push_back(file);
+    }
     return files;
 }
 
