@@ -14,6 +14,7 @@
 #include "viewer/ViewerPart.h"
 #include "viewer/window/WindowPart.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -56,12 +57,18 @@ void TellThereIsNoWindow(const Options& options, const std::string& why)
                           (isSeen ? "" : "; --snapshot, --wav and --report show what comes of it"));
 }
 
-void FinishSound(SoundFile& sound, const Options& options)
+bool HasSomethingToPlay(const PageReport& report)
+{
+    return std::any_of(report.objects.begin(), report.objects.end(),
+                       [](const ObjectReport& object) { return object.durationSeconds > 0; });
+}
+
+// What nobody started does not sound.
+void FinishSound(SoundFile& sound, const Options& options, const PageReport& report)
 {
     sound.Finish();
-    if (sound.IsEmpty()) {
-        Console::Tell("", options.wavPath + ": nothing sounded" +
-                              (options.play ? "" : "; --play clicks the play buttons"));
+    if (sound.IsEmpty() && !options.play && HasSomethingToPlay(report)) {
+        Console::Tell("", options.wavPath + ": nothing sounded; --play clicks the play buttons");
     }
 }
 
@@ -111,7 +118,7 @@ int ShowPage(const Options& options, const PluginFolder& plugins)
     const PageReport& report = outcome.report;
     bool written = !outcome.outputFailed;
     if (sound != nullptr) {
-        written = SucceedsOrTells([&] { FinishSound(*sound, options); }) && written;
+        written = SucceedsOrTells([&] { FinishSound(*sound, options, report); }) && written;
     }
     if (!options.reportPath.empty()) {
         written = SucceedsOrTells([&] { WriteReportFile(report, options.reportPath); }) && written;

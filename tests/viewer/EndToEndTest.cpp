@@ -2,6 +2,7 @@
 //
 // The program on the movie bundle, with clips made by the ffmpeg program.
 #include "tests/viewer/EndToEnd.h"
+#include "tests/viewer/ImageFiles.h"
 
 #include <gmock/gmock.h>
 
@@ -122,6 +123,8 @@ TEST_F(EndToEnd, ASoundFileOfNothingIsTold)
     EXPECT_THAT(silent.err, HasSubstr("a.wav: nothing sounded; --play clicks the play buttons"));
     const ViewerResult played = Run({"--play", "--wav", wav, Clip("sound.mp3")});
     EXPECT_EQ(played.err, "");
+    const ViewerResult image = Run({"--wav", wav, Write("a.gif", MakeAnimation(3, 2, {1}, 10))});
+    EXPECT_EQ(image.err, "");
 }
 
 TEST_F(EndToEnd, AFileUrlIsItsFile)

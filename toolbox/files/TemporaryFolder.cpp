@@ -114,8 +114,9 @@ void TemporaryFolder::Make(const std::string& parent)
     }
     name_ = path.substr(path.rfind('/') + 1);
     // The process's umask may have taken bits away without which the folder cannot be opened.
-    fchmodat(parent_.Get(), name_.c_str(), 0700, AT_SYMLINK_NOFOLLOW);
-    folder_ = LockFolder(parent_.Get(), name_.c_str());
+    if (fchmodat(parent_.Get(), name_.c_str(), S_IRWXU, AT_SYMLINK_NOFOLLOW) == 0) {
+        folder_ = LockFolder(parent_.Get(), name_.c_str());
+    }
     if (!folder_.IsOpen()) {
         unlinkat(parent_.Get(), name_.c_str(), AT_REMOVEDIR);
     }
