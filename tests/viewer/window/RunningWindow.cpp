@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <thread>
@@ -74,6 +75,9 @@ HiddenScreen::HiddenScreen()
         name_ += digit;
     }
     close(ends[0]);
+    if (name_.size() == 1) {
+        throw std::runtime_error("Xvfb did not start");
+    }
 }
 
 HiddenScreen::~HiddenScreen()
@@ -138,7 +142,23 @@ bool RunningWindow::WaitUntil(const std::function<bool(const Screenshot&)>& isAs
         }
         std::this_thread::sleep_for(kLook);
     }
+    std::cerr << State() << '\n';
     return false;
+}
+
+// For whoever has to find out what it was that did not show.
+std::string RunningWindow::State() const
+{
+    const Screenshot last = Look();
+    std::string state;
+    std::ifstream status("/proc/" + std::to_string(program_) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("State:") || line.starts_with("voluntary_ctxt_switches:")) {
+            state += line + "; ";
+        }
+    }
+    return state + "screen " + std::to_string(last.width) + "x" + std::to_string(last.height) +
+           "; it said: " + folder_.Read("out") + folder_.Read("err");
 }
 
 void RunningWindow::Do(const std::string& commands) const

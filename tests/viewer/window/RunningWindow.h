@@ -46,7 +46,8 @@ public:
     RunningWindow& operator=(const RunningWindow&) = delete;
 
     Screenshot Look() const;
-    // Looks until it is as expected; false if that takes too long.
+    // Looks until it is as expected; false, and a line about what is there instead, if that takes
+    // too long.
     bool WaitUntil(const std::function<bool(const Screenshot&)>& isAsExpected) const;
     // Commands for xdotool.
     void Do(const std::string& commands) const;
@@ -65,6 +66,8 @@ public:
     const TestFolder& Folder() const { return folder_; }
 
 private:
+    std::string State() const;
+
     const HiddenScreen& screen_;
     TestFolder folder_;
     pid_t program_ = -1;
