@@ -86,6 +86,22 @@ HiddenScreen::~HiddenScreen()
     waitpid(server_, nullptr, 0);
 }
 
+// A manager announces the desktops it keeps.
+bool HiddenScreen::StartManager() const
+{
+    const std::string display = "DISPLAY=" + name_;
+    if (std::system((display + " openbox >/dev/null 2>&1 &").c_str()) != 0) {
+        return false;
+    }
+    for (int i = 0; i < kMostLooks; ++i) {
+        if (Succeeds(display + " xdotool get_desktop")) {
+            return true;
+        }
+        std::this_thread::sleep_for(kLook);
+    }
+    return false;
+}
+
 RunningWindow::RunningWindow(const HiddenScreen& screen, const std::vector<std::string>& arguments,
                              const std::string& sound)
     : screen_(screen)

@@ -27,6 +27,9 @@ public:
     HiddenScreen& operator=(const HiddenScreen&) = delete;
 
     const std::string& Name() const { return name_; }
+    // Starts openbox, which ends with the server; true once it manages windows. Those that are
+    // opened before that keep a place that it would not have given them.
+    bool StartManager() const;
 
 private:
     pid_t server_ = -1;
