@@ -156,10 +156,10 @@ INSTANTIATE_TEST_SUITE_P(AllShapes, PicturesInImageMagick,
                                          Shape{8, 1, 1}, Shape{8, 23, 31}, Shape{8, 199, 6},
                                          Shape{8, 253, 6}, Shape{8, 3001, 3}, Shape{32, 3, 2},
                                          Shape{32, 49, 11}, Shape{32, 67, 11}, Shape{32, 1001, 3},
-                                         Shape{32, 4095, 2}),
+                                         Shape{32, 4095, 2}, Shape{32, 9001, 3}),
                          NameOf);
 
-// Reads only rows of more than 250 bytes.
+// Reads only rows of more than 250 bytes, and one copy.
 class PicturesInFFmpeg : public PicturesInPrograms
 {
 };

@@ -2,6 +2,7 @@
 #include "tests/toolbox/TestPixels.h"
 
 #include "toolbox/memory/Memory.h"
+#include "toolbox/quickdraw/PixelView.h"
 
 #include <algorithm>
 #include <random>
@@ -17,7 +18,7 @@ UInt32 ColorAt(const PixMap& map, int row, int column)
 {
     const int depth = map.pixelSize;
     const UInt8* const first =
-        reinterpret_cast<const UInt8*>(map.baseAddr) + row * (map.rowBytes & 0x3FFF);
+        reinterpret_cast<const UInt8*>(map.baseAddr) + ptrdiff_t{row} * toolbox::RowBytesOf(map);
     const UInt8* const at = first + column * depth / 8;
     if (depth == 32) {
         return static_cast<UInt32>(at[1] << 16 | at[2] << 8 | at[3]);
@@ -42,11 +43,12 @@ UInt32 ColorAt(const PixMap& map, int row, int column)
 TestPixels::TestPixels(int depth, const Rect& bounds)
 {
     const int width = bounds.right - bounds.left;
-    const int rowBytes = std::min((width * depth + 15) / 16 * 2 + kSpareRowBytes, 0x3FFE);
+    const int rowBytes = (width * depth + 15) / 16 * 2 + kSpareRowBytes;
     const int height = bounds.bottom - bounds.top;
     bytes_.resize(static_cast<size_t>(rowBytes) * static_cast<size_t>(height));
     map_.baseAddr = reinterpret_cast<Ptr>(bytes_.data());
-    map_.rowBytes = static_cast<SInt16>(static_cast<UInt16>(rowBytes | 0x8000));
+    map_.rowBytes = static_cast<SInt16>(static_cast<UInt16>((rowBytes & 0x3FFF) | 0x8000));
+    map_.packSize = rowBytes > 0x3FFF ? rowBytes : 0;
     map_.bounds = bounds;
     map_.hRes = map_.vRes = 72 << 16;
     map_.pixelType = depth > 8 ? 16 : 0;
@@ -77,8 +79,8 @@ std::vector<UInt32> TestPixels::ColorsOf(const PixMap& map, const Rect& part)
 
 void TestPixels::SetRow(size_t row, const std::vector<UInt8>& bytes)
 {
-    const size_t rowBytes = map_.rowBytes & 0x3FFF;
-    std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<ptrdiff_t>(row * rowBytes));
+    const ptrdiff_t rowBytes = toolbox::RowBytesOf(map_);
+    std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<ptrdiff_t>(row) * rowBytes);
 }
 
 void TestPixels::PutTableInIndexOrder()

@@ -31,8 +31,6 @@ public:
     void ForgetTable() { map_.pmTable = nullptr; }
     // Its values then mean nothing, and are such.
     void PutTableInIndexOrder();
-    // As if the map were that wide; its pixels are not there.
-    void PretendWidth(SInt16 width) { map_.bounds.right = width; }
 
 private:
     void MakeTable(int depth);

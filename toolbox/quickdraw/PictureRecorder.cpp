@@ -110,20 +110,35 @@ void PictureRecorder::TintWith(const RGBColor& foreground, const RGBColor& backg
     AddColors(bytes_, foreground, background);
 }
 
+// Side by side in several records where there are more columns than one can tell of.
 void PictureRecorder::AddCopy(const PixMap& source, const Rect& from, const Rect& to, SInt16 mode,
                               RgnHandle maskRgn)
 {
     const PixMap map = source; // as it is now, wherever it moves
-    const Rect part = Intersection(from, map.bounds);
-    if (IsEmptyRect(part) || IsEmptyRect(to)) {
+    const Rect whole = Intersection(from, map.bounds);
+    if (IsEmptyRect(whole) || IsEmptyRect(to)) {
         return;
     }
+    const int most = PictureRows::MostColumns(map.pixelSize);
+    for (int left = whole.left; left < whole.right; left += most) {
+        const Rect part = {whole.top, static_cast<SInt16>(left), whole.bottom,
+                           static_cast<SInt16>(std::min<int>(left + most, whole.right))};
+        const Rect place = PlaceOfPart(part, from, to);
+        if (!IsEmptyRect(place)) {
+            AddPart(map, part, place, mode, maskRgn);
+        }
+    }
+}
+
+void PictureRecorder::AddPart(const PixMap& map, const Rect& part, const Rect& place, SInt16 mode,
+                              RgnHandle maskRgn)
+{
     const std::unique_ptr<PictureRows> rows(new (std::nothrow) PictureRows(map, part));
-    if (rows == nullptr || !rows->CanBeStored()) {
+    if (rows == nullptr) {
         bytes_.RunOut();
         return;
     }
-    AddPixels(bytes_, map, part, PlaceOfPart(part, from, to), mode, maskRgn, *rows);
+    AddPixels(bytes_, map, part, place, mode, maskRgn, *rows);
 }
 
 void PictureRecorder::Finish()

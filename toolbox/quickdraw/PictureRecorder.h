@@ -26,6 +26,7 @@ public:
     void ClipTo(const pixman_region32_t& clip);
     // Tints what is copied, from now on. Black and white, which leave it as it is, at first.
     void TintWith(const RGBColor& foreground, const RGBColor& background);
+    // The source has one of the depths that there are.
     void AddCopy(const PixMap& source, const Rect& from, const Rect& to, SInt16 mode,
                  RgnHandle maskRgn);
     // Nothing is added after this.
@@ -33,6 +34,9 @@ public:
 
 private:
     PictureRecorder(Handle handle, const Rect& frame);
+
+    void AddPart(const PixMap& map, const Rect& part, const Rect& place, SInt16 mode,
+                 RgnHandle maskRgn);
 
     PictureBytes bytes_;
     Rect frame_;

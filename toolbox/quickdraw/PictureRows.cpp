@@ -2,6 +2,7 @@
 #include "toolbox/quickdraw/PictureRows.h"
 
 #include "toolbox/quickdraw/PackBits.h"
+#include "toolbox/quickdraw/PixelView.h"
 
 #include <cstring>
 
@@ -12,7 +13,6 @@ namespace
 
 constexpr int kBitsPerByte = 8;
 constexpr int kBitsPerWord = 16;
-constexpr int kRowBytesMask = 0x3FFF;
 constexpr int kLeastPackedRowBytes = 8;
 constexpr int kMostRowBytesWithShortCount = 250;
 constexpr size_t kPixelBytes = 4; // x, R, G, B
@@ -20,11 +20,6 @@ constexpr size_t kPixelBytes = 4; // x, R, G, B
 int EvenRowBytes(int width, int depth)
 {
     return (width * depth + kBitsPerWord - 1) / kBitsPerWord * 2;
-}
-
-bool IsDepth(int depth)
-{
-    return depth == 1 || depth == 2 || depth == 4 || depth == 8 || depth == 16 || depth == 32;
 }
 
 } // namespace
@@ -35,11 +30,6 @@ PictureRows::PictureRows(const PixMap& map, const Rect& part)
     : map_(map), part_(part), depth_(map.pixelSize), width_(part.right - part.left),
       rowBytes_(EvenRowBytes(width_, depth_))
 {
-}
-
-bool PictureRows::CanBeStored() const
-{
-    return IsDepth(depth_) && static_cast<size_t>(rowBytes_) <= kMostRowBytes;
 }
 
 RowPacking PictureRows::Packing() const
@@ -69,8 +59,7 @@ void PictureRows::AddTo(PictureBytes& bytes)
 const UInt8* PictureRows::RowAddress(int row) const
 {
     const ptrdiff_t fromTop = row + part_.top - map_.bounds.top;
-    return reinterpret_cast<const UInt8*>(map_.baseAddr) +
-           fromTop * (map_.rowBytes & kRowBytesMask);
+    return reinterpret_cast<const UInt8*>(map_.baseAddr) + fromTop * RowBytesOf(map_);
 }
 
 void PictureRows::TakeRow(int row)

@@ -22,11 +22,13 @@ enum class RowPacking : SInt16 {
 class PictureRows
 {
 public:
-    // `part` lies within the map's bounds and is not empty. The pixels stay the caller's.
+    // The most columns that a record can tell of.
+    static int MostColumns(int depth) { return static_cast<int>(kMostRowBytes) * 8 / depth; }
+
+    // `part` lies within the map's bounds, is not empty, and has not too many columns. The pixels
+    // stay the caller's.
     PictureRows(const PixMap& map, const Rect& part);
 
-    // Whether the map has a depth, and the part a width, that a record can tell.
-    bool CanBeStored() const;
     bool AreDirect() const { return depth_ > 8; }
     RowPacking Packing() const;
     // Bytes a row unpacked, which decide how it is stored; even.
