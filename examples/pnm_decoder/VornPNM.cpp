@@ -11,7 +11,7 @@
 #include <vector>
 
 struct PnmReader {
-    static constexpr UInt8 kSignatures[][3] = {{'P', '6', '\n'}};
+    static constexpr UInt8 kSignatures[][3] = {{'P', '5', '\n'}, {'P', '6', '\n'}};
 
     explicit PnmReader(VornPlugin& ownImage) : image(ownImage) {}
 

@@ -254,6 +254,7 @@ TEST(PnmType, IsToldByTypeNameOrFirstBytes)
 {
     EXPECT_TRUE(Bundle().CanHandle({}, "image/x-portable-pixmap", ""));
     EXPECT_TRUE(Bundle().CanHandle({}, "", "picture.PGM"));
+    EXPECT_TRUE(Bundle().CanHandle(BytesOf("P5\n"), "application/octet-stream", "picture"));
     EXPECT_TRUE(Bundle().CanHandle(BytesOf("P6\n"), "application/octet-stream", "picture"));
     EXPECT_TRUE(Bundle().CanHandle(BytesOf("P6\n1 1"), "", ""));
 }
@@ -262,6 +263,7 @@ TEST(PnmType, IsNotToldByOthers)
 {
     EXPECT_FALSE(Bundle().CanHandle({}, "", ""));
     EXPECT_FALSE(Bundle().CanHandle(BytesOf("P6"), "", "ppm"));
+    EXPECT_FALSE(Bundle().CanHandle(BytesOf("P50 is a text"), "text/plain", "a.txt"));
     EXPECT_FALSE(Bundle().CanHandle(BytesOf("P60 is a text"), "text/plain", "a.txt"));
 }
 
