@@ -13,10 +13,11 @@ namespace
 constexpr UInt64 kLargestCoordinate = 0x7FFF;
 constexpr UInt64 kLargestRowBytes = 0xFFFF;
 
-// Rows of pixel maps begin at multiples of four bytes.
+// Rows of pixel maps begin at multiples of four bytes, unless only that makes them too long.
 UInt64 RowBytes(UInt64 width, UInt16 depth)
 {
-    return (width * depth + 31) / 32 * 4;
+    const UInt64 aligned = (width * depth + 31) / 32 * 4;
+    return aligned <= kLargestRowBytes ? aligned : (width * depth + 7) / 8;
 }
 
 UInt64 LimitFromEnvironment()

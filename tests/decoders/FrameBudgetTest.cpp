@@ -22,6 +22,7 @@ TEST(FrameBudget, KnowsWhatCoordinatesAndRowBytesReach)
     EXPECT_FALSE(FrameBudget::FitsCoordinates(1, 32768, 8));
     EXPECT_TRUE(FrameBudget::FitsCoordinates(16383, 1, 32));
     EXPECT_FALSE(FrameBudget::FitsCoordinates(16384, 1, 32));
+    EXPECT_TRUE(FrameBudget::FitsCoordinates(32767, 1, 16));
     EXPECT_FALSE(FrameBudget::FitsCoordinates(0, 1, 8));
     EXPECT_FALSE(FrameBudget::FitsCoordinates(1, 0, 8));
 }

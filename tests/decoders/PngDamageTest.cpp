@@ -220,6 +220,17 @@ TEST(PngLimits, RefuseRowsThatRowBytesCannotHold)
     EXPECT_EQ(wide.Decode(), 0);
 }
 
+TEST(PngLimits, TakeTransparentRowsThatHalfTheDepthCanHold)
+{
+    PngSpec spec;
+    spec.colorType = PNG_COLOR_TYPE_RGB_ALPHA;
+    spec.width = 32767;
+    spec.height = 1;
+    HostedImage image(Bundle(), WritePng(spec));
+    EXPECT_EQ(image.Decode(), 0);
+    EXPECT_EQ(image.Depth(), 16);
+}
+
 } // namespace
 
 } // namespace test
