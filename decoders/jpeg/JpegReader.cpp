@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "decoders/jpeg/JpegReader.h"
 
-#include "decoders/common/ArrivingBlock.h"
 #include "decoders/common/CommentText.h"
 #include "decoders/common/WideRows.h"
 #include "toolbox/events/Events.h"
@@ -40,11 +39,6 @@ JpegReader::JpegReader(VornPlugin& ownImage) : image_(ownImage), frame_(ownImage
     jpeg_save_markers(&decoder_, JPEG_COM, kLongestComment);
 }
 
-JpegReader::~JpegReader()
-{
-    jpeg_destroy_decompress(&decoder_);
-}
-
 template <class Step>
 void JpegReader::Guarded(Step step)
 {
@@ -68,24 +62,25 @@ void JpegReader::Decode()
     try {
         while (!isComplete_)
             DecodeNextBlock();
+        // Where nothing but the end mark of a plain scan is missing the image is whole.
+        const bool needsEndMark = decoder_.buffered_image || decoder_.arith_code;
+        if (errors_.isDamaged || (source_.WasTooShort() && needsEndMark))
+            throw Failure();
     } catch (OSErr failure) {
         if (frame_.IsAdded() && decoder_.buffered_image)
             ShowWhatWasUsed();
         throw failure;
     }
-    // Where nothing but the end mark of a plain scan is missing the image is whole.
-    const bool needsEndMark = decoder_.buffered_image || decoder_.arith_code;
-    if (errors_.isDamaged || (source_.WasTooShort() && needsEndMark))
-        throw Failure();
 }
 
-// What the scans before a failure brought is shown, however fast they came: the library, which has
-// given up, decodes them anew.
+// What scans brought before a failure is shown, however fast they came, by decoding them anew: the
+// library may have given up, and which rows of a damaged scan it smooths depends on where it
+// waited.
 void JpegReader::ShowWhatWasUsed()
 try {
     jpeg_abort_decompress(&decoder_);
     source_.StartOver(image_);
-    hasHeader_ = isInPass_ = false;
+    hasHeader_ = isInPass_ = isComplete_ = false;
     while (!isComplete_)
         DecodeNextBlock();
 } catch (OSErr) { // the first failure counts
@@ -93,13 +88,13 @@ try {
 
 void JpegReader::DecodeNextBlock()
 {
-    source_.ReadBlock(image_);
+    const size_t count = source_.ReadBlock(image_);
     now_ = TickCount();
     if (!hasHeader_ && !ReadHeader())
         return;
     // The library cannot stop in the middle of arithmetic codes.
     if (decoder_.arith_code && !source_.HasAll())
-        budget_.TakeBytes(ArrivingBlock::kSize);
+        budget_.TakeBytes(count);
     else
         Guarded([this] {
             isComplete_ = decoder_.buffered_image ? DecodeScans() : ReadRows() && Finish();
@@ -111,6 +106,9 @@ bool JpegReader::ReadHeader()
     Guarded([this] { hasHeader_ = jpeg_read_header(&decoder_, TRUE) == JPEG_HEADER_OK; });
     if (hasHeader_) {
         BeginFrame();
+        // Without restarts it hurries where many bytes are there, and makes other things of damage.
+        if (decoder_.restart_interval == 0)
+            decoder_.restart_interval = ~0U; // blocks, more than there are
         // It never has to wait: images in several scans are buffered.
         Guarded([this] { jpeg_start_decompress(&decoder_); });
     }
@@ -141,10 +139,9 @@ void JpegReader::BeginFrame()
 UInt64 JpegReader::CoefficientBytes() const
 {
     UInt64 blocks = 0;
-    for (int i = 0; i < decoder_.num_components; ++i) {
-        const jpeg_component_info& component = decoder_.comp_info[i];
+    const auto count = static_cast<size_t>(decoder_.num_components);
+    for (const jpeg_component_info& component : std::span(decoder_.comp_info, count))
         blocks += UInt64{component.width_in_blocks} * component.height_in_blocks;
-    }
     return blocks * sizeof(JBLOCK);
 }
 

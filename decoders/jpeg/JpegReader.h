@@ -20,7 +20,7 @@ public:
     static constexpr UInt8 kSignatures[][3] = {{0xFF, 0xD8, 0xFF}};
 
     explicit JpegReader(VornPlugin& ownImage);
-    ~JpegReader();
+    ~JpegReader() { jpeg_destroy_decompress(&decoder_); }
     JpegReader(const JpegReader&) = delete;
     JpegReader& operator=(const JpegReader&) = delete;
 

@@ -2,6 +2,7 @@
 #include "decoders/jpeg/JpegSource.h"
 
 #include <algorithm>
+#include <utility>
 
 JpegSource::JpegSource(jpeg_decompress_struct& decoder) : decoder_(decoder)
 {
@@ -14,11 +15,11 @@ JpegSource::JpegSource(jpeg_decompress_struct& decoder) : decoder_(decoder)
     decoder.client_data = this;
 }
 
-void JpegSource::ReadBlock(VornPlugin& object)
+size_t JpegSource::ReadBlock(VornPlugin& object)
 {
     const std::span bytes = backlog_.ReadBlock(object, manager_.bytes_in_buffer);
     manager_.next_input_byte = bytes.data();
-    manager_.bytes_in_buffer = bytes.size();
+    return bytes.size() - std::exchange(manager_.bytes_in_buffer, bytes.size());
 }
 
 void JpegSource::StartOver(VornPlugin& object)

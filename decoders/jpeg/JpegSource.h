@@ -17,8 +17,8 @@ public:
     JpegSource(const JpegSource&) = delete;
     JpegSource& operator=(const JpegSource&) = delete;
 
-    // Adds the object's next bytes. Outside the library's frames: it waits.
-    void ReadBlock(VornPlugin& object);
+    // Adds the object's next bytes, and tells how many. Outside the library's frames: it waits.
+    size_t ReadBlock(VornPlugin& object);
     // The library has made something of all that it has taken so far.
     void NoteUse()
     {
