@@ -174,38 +174,62 @@ void PixmanThroughGreys(benchmark::State& state)
 }
 BENCHMARK(PixmanThroughGreys)->Apply(Sizes);
 
-// From 640 by 480 to that many percent.
-void Scale(benchmark::State& state, int depth)
+// From one width to another, of pictures that are 4 to 3.
+void Shrinking(benchmark::internal::Benchmark* benchmark)
 {
-    const World from(depth, 640, 480);
-    const World to(32, 640 * state.range(0) / 100, 480 * state.range(0) / 100);
+    benchmark->ArgNames({"from", "to"})->Args({640, 64})->Args({640, 160})->Args({640, 320});
+    benchmark->Args({640, 467})->Args({1024, 640});
+}
+
+void Enlarging(benchmark::internal::Benchmark* benchmark)
+{
+    benchmark->ArgNames({"from", "to"})->Args({640, 832})->Args({640, 1280})->Args({640, 1920});
+}
+
+World WorldOfWidth(int depth, int64_t width)
+{
+    return {depth, width, width * 3 / 4};
+}
+
+void Scale(benchmark::State& state, int fromDepth, int toDepth)
+{
+    const World from = WorldOfWidth(fromDepth, state.range(0));
+    const World to = WorldOfWidth(toDepth, state.range(1));
     for (auto _ : state) {
         CopyBits(from.Bits(), to.Bits(), &from.bounds, &to.bounds, ditherCopy, nullptr);
     }
     CountPixels(state, to.bounds);
 }
-BENCHMARK_CAPTURE(Scale, 32, 32)->Arg(10)->Arg(25)->Arg(50)->Arg(73)->Arg(150)->Arg(200);
-BENCHMARK_CAPTURE(Scale, 16, 16)->Arg(25)->Arg(50)->Arg(200);
+BENCHMARK_CAPTURE(Scale, 32, 32, 32)->Apply(Shrinking)->Apply(Enlarging);
+BENCHMARK_CAPTURE(Scale, 16, 16, 16)->Apply(Shrinking)->Apply(Enlarging);
+BENCHMARK_CAPTURE(Scale, 16to32, 16, 32)->Apply(Shrinking)->Apply(Enlarging);
+BENCHMARK_CAPTURE(Scale, 8to32, 8, 32)->Apply(Shrinking)->Apply(Enlarging);
 
-void ScaleWithPixman(benchmark::State& state, pixman_filter_t filter)
+// Box filters: averaging of areas.
+void SetBoxFilter(pixman_image_t* image, double factor)
 {
-    const World from(32, 640, 480);
-    const World to(32, 640 * state.range(0) / 100, 480 * state.range(0) / 100);
-    const Image fromImage = from.PixmanImage(PIXMAN_x8r8g8b8);
-    const Image toImage = to.PixmanImage(PIXMAN_x8r8g8b8);
-    const double factor = 100.0 / static_cast<double>(state.range(0));
+    int count = 0;
+    pixman_fixed_t* const weights = pixman_filter_create_separable_convolution(
+        &count, pixman_double_to_fixed(factor), pixman_double_to_fixed(factor),
+        PIXMAN_KERNEL_IMPULSE, PIXMAN_KERNEL_IMPULSE, PIXMAN_KERNEL_BOX, PIXMAN_KERNEL_BOX, 4, 4);
+    pixman_image_set_filter(image, PIXMAN_FILTER_SEPARABLE_CONVOLUTION, weights, count);
+    free(weights);
+}
+
+void ScaleWithPixman(benchmark::State& state, pixman_filter_t filter, int depth = 32,
+                     pixman_format_code_t format = PIXMAN_x8r8g8b8)
+{
+    const World from = WorldOfWidth(depth, state.range(0));
+    const World to = WorldOfWidth(depth, state.range(1));
+    const Image fromImage = from.PixmanImage(format);
+    const Image toImage = to.PixmanImage(format);
+    const double factor = static_cast<double>(state.range(0)) / static_cast<double>(state.range(1));
     pixman_transform_t transform;
     pixman_transform_init_scale(&transform, pixman_double_to_fixed(factor),
                                 pixman_double_to_fixed(factor));
     pixman_image_set_transform(fromImage.get(), &transform);
-    if (filter == PIXMAN_FILTER_SEPARABLE_CONVOLUTION) { // box filters: averaging of areas
-        int count = 0;
-        pixman_fixed_t* const weights = pixman_filter_create_separable_convolution(
-            &count, pixman_double_to_fixed(factor), pixman_double_to_fixed(factor),
-            PIXMAN_KERNEL_IMPULSE, PIXMAN_KERNEL_IMPULSE, PIXMAN_KERNEL_BOX, PIXMAN_KERNEL_BOX, 4,
-            4);
-        pixman_image_set_filter(fromImage.get(), filter, weights, count);
-        free(weights);
+    if (filter == PIXMAN_FILTER_SEPARABLE_CONVOLUTION) {
+        SetBoxFilter(fromImage.get(), factor);
     } else {
         pixman_image_set_filter(fromImage.get(), filter, nullptr, 0);
     }
@@ -215,17 +239,16 @@ void ScaleWithPixman(benchmark::State& state, pixman_filter_t filter)
     }
     CountPixels(state, to.bounds);
 }
-BENCHMARK_CAPTURE(ScaleWithPixman, average, PIXMAN_FILTER_SEPARABLE_CONVOLUTION)
-    ->Arg(10)
-    ->Arg(25)
-    ->Arg(50)
-    ->Arg(73);
-BENCHMARK_CAPTURE(ScaleWithPixman, bilinear, PIXMAN_FILTER_BILINEAR)
-    ->Arg(10)
-    ->Arg(25)
-    ->Arg(50)
-    ->Arg(73);
-BENCHMARK_CAPTURE(ScaleWithPixman, nearest, PIXMAN_FILTER_NEAREST)->Arg(150)->Arg(200);
+BENCHMARK_CAPTURE(ScaleWithPixman, average, PIXMAN_FILTER_SEPARABLE_CONVOLUTION)->Apply(Shrinking);
+BENCHMARK_CAPTURE(ScaleWithPixman, bilinear, PIXMAN_FILTER_BILINEAR)->Apply(Shrinking);
+BENCHMARK_CAPTURE(ScaleWithPixman, nearest, PIXMAN_FILTER_NEAREST)
+    ->Args({1024, 640})
+    ->Apply(Enlarging);
+BENCHMARK_CAPTURE(ScaleWithPixman, bilinear16, PIXMAN_FILTER_BILINEAR, 16, PIXMAN_x1r5g5b5)
+    ->Apply(Shrinking);
+BENCHMARK_CAPTURE(ScaleWithPixman, nearest16, PIXMAN_FILTER_NEAREST, 16, PIXMAN_x1r5g5b5)
+    ->Args({1024, 640})
+    ->Apply(Enlarging);
 
 void MakeAndDisposeOfWorld(benchmark::State& state)
 {

@@ -55,6 +55,22 @@ std::array<double, 3> AverageAt(const BitMap* source, const Rect& from, const Re
     return sum;
 }
 
+// Every pixel of `to` that the target has, of a source that has all of `from`.
+void ExpectAverages(const OwnedWorld& source, const OwnedWorld& target, const Rect& from,
+                    const Rect& to)
+{
+    const Rect& bounds = BitsOf(target)->bounds;
+    for (int v = std::max(to.top, bounds.top); v < std::min(to.bottom, bounds.bottom); ++v) {
+        for (int h = std::max(to.left, bounds.left); h < std::min(to.right, bounds.right); ++h) {
+            const auto expected = AverageAt(BitsOf(source), from, to, v, h);
+            const Components color = ColorAt(BitsOf(target), v, h);
+            for (size_t i = 0; i < 3; ++i) {
+                ASSERT_LE(std::abs(color[i] - expected[i]), 0.51) << "at " << v << ", " << h;
+            }
+        }
+    }
+}
+
 TEST(ScaledCopy, AveragesWhereItShrinksAndTakesTheNearestWhereItEnlarges)
 {
     std::mt19937 random(3);
@@ -62,6 +78,7 @@ TEST(ScaledCopy, AveragesWhereItShrinksAndTakesTheNearestWhereItEnlarges)
         return static_cast<SInt16>(std::uniform_int_distribution<int>(low, high)(random));
     };
     for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE(round);
         const int depth = std::array{1, 2, 4, 8, 16, 32}[static_cast<size_t>(round) % 6];
         const OwnedWorld source = MakeWorld(depth, {-5, -9, 40, 41});
         const OwnedWorld target = MakeWorld(32, {-3, -4, 45, 50});
@@ -69,17 +86,46 @@ TEST(ScaledCopy, AveragesWhereItShrinksAndTakesTheNearestWhereItEnlarges)
         const Rect from = {any(-5, 10), any(-9, 10), any(11, 40), any(11, 41)};
         const Rect to = {any(-20, 10), any(-20, 10), any(11, 60), any(11, 70)};
         CopyBits(BitsOf(source), BitsOf(target), &from, &to, ditherCopy, nullptr);
-        const Rect& bounds = BitsOf(target)->bounds;
-        for (int v = std::max(to.top, bounds.top); v < std::min(to.bottom, bounds.bottom); ++v) {
-            for (int h = std::max(to.left, bounds.left); h < std::min(to.right, bounds.right);
-                 ++h) {
-                const auto expected = AverageAt(BitsOf(source), from, to, v, h);
-                const Components color = ColorAt(BitsOf(target), v, h);
-                for (size_t i = 0; i < 3; ++i) {
-                    ASSERT_LE(std::abs(color[i] - expected[i]), 0.51)
-                        << "round " << round << " at " << v << ", " << h;
-                }
-            }
+        ExpectAverages(source, target, from, to);
+    }
+}
+
+// Sizes that are far apart: a pixel is made of thousands.
+TEST(ScaledCopy, AveragesHoweverMuchItShrinks)
+{
+    std::mt19937 random(7);
+    const Rect to = {1, 2, 4, 9};
+    for (const int depth : {8, 16, 32}) {
+        for (const Rect& from : {Rect{0, 0, 40, 2000}, Rect{0, 0, 300, 230}, Rect{0, 0, 9000, 9},
+                                 Rect{0, 0, 95, 225}, Rect{0, 0, 97, 223}}) {
+            SCOPED_TRACE(testing::Message() << depth << " bits, " << from.bottom << " rows");
+            const OwnedWorld source = MakeWorld(depth, from);
+            const OwnedWorld target = MakeWorld(32, to);
+            reference::FillWithNoise(source, random);
+            CopyBits(BitsOf(source), BitsOf(target), &from, &to, srcCopy, nullptr);
+            ExpectAverages(source, target, from, to);
+        }
+    }
+}
+
+TEST(ScaledCopy, LeavesOneColorAsItIs)
+{
+    std::mt19937 random(8);
+    const Rect bounds = {0, 0, 700, 300};
+    const OwnedWorld source = MakeWorld(32, bounds);
+    const OwnedWorld target = MakeWorld(32, bounds);
+    for (UInt32 level = 0; level < 256; level += 5) {
+        const UInt32 color = 0xFF0000 | (255 - level) << 8 | level;
+        for (int i = 0; i < 700 * 300; ++i) {
+            reference::SetValueAt(BitsOf(source), i / 300, i % 300, color);
+        }
+        const auto any = [&](int most) { return static_cast<SInt16>(1 + random() % most); };
+        const Rect from = {0, 0, any(700), any(300)};
+        const Rect to = {0, 0, any(40), any(40)};
+        CopyBits(BitsOf(source), BitsOf(target), &from, &to, srcCopy, nullptr);
+        for (int i = 0; i < to.right * to.bottom; ++i) {
+            ASSERT_EQ(reference::ValueAt(BitsOf(target), i / to.right, i % to.right), color)
+                << from.bottom << " by " << from.right << " to " << to.bottom << " by " << to.right;
         }
     }
 }
@@ -116,28 +162,37 @@ TEST(ScaledCopy, HalvesToTheNearestAverageOfFour)
     }
 }
 
+// What a copy onto `to` makes, in parts of 7 by 11 pixels, be it in one go with all of them.
+void ExpectSameInParts(const OwnedWorld& source, const Rect& from, const Rect& to, int depth)
+{
+    const OwnedWorld whole = MakeWorld(depth, {0, 0, 100, 130});
+    const OwnedWorld parts = MakeWorld(depth, {0, 0, 100, 130});
+    CopyBits(BitsOf(source), BitsOf(whole), &from, &to, ditherCopy, nullptr);
+    RgnHandle const region = NewRgn();
+    for (int i = 0; i < 15 * 12; ++i) {
+        Rect part = {0, 0, 7, 11};
+        OffsetRect(&part, static_cast<SInt16>(i % 12 * 11), static_cast<SInt16>(i / 12 * 7));
+        RectRgn(region, &part);
+        CopyBits(BitsOf(source), BitsOf(parts), &from, &to, ditherCopy, region);
+    }
+    DisposeRgn(region);
+    for (int i = 0; i < 100 * 130; ++i) {
+        ASSERT_EQ(reference::ValueAt(BitsOf(parts), i / 130, i % 130),
+                  reference::ValueAt(BitsOf(whole), i / 130, i % 130));
+    }
+}
+
 TEST(ScaledCopy, DrawsTheSameInPartsAsAtOnce)
 {
     std::mt19937 random(4);
-    const OwnedWorld source = MakeWorld(32, {0, 0, 50, 70});
+    const Rect from = {0, 0, 350, 490};
+    const OwnedWorld source = MakeWorld(32, from);
     reference::FillWithNoise(source, random);
-    const Rect from = {0, 0, 50, 70};
-    for (const Rect to : {Rect{1, 2, 33, 40}, Rect{1, 2, 26, 37}, Rect{-7, -9, 93, 131}}) {
-        const OwnedWorld whole = MakeWorld(16, {0, 0, 100, 130});
-        const OwnedWorld parts = MakeWorld(16, {0, 0, 100, 130});
-        CopyBits(BitsOf(source), BitsOf(whole), &from, &to, ditherCopy, nullptr);
-        RgnHandle const region = NewRgn();
-        for (SInt16 top = 0; top < 100; top = static_cast<SInt16>(top + 7)) {
-            const Rect band = {top, -5, static_cast<SInt16>(top + 7), 200};
-            RectRgn(region, &band);
-            CopyBits(BitsOf(source), BitsOf(parts), &from, &to, ditherCopy, region);
-        }
-        DisposeRgn(region);
-        for (int v = 0; v < 100; ++v) {
-            for (int h = 0; h < 130; ++h) {
-                ASSERT_EQ(reference::ValueAt(BitsOf(parts), v, h),
-                          reference::ValueAt(BitsOf(whole), v, h));
-            }
+    for (const Rect& part : {Rect{0, 0, 50, 70}, from}) { // the second one shrinks by more than 4
+        for (const Rect& to :
+             {Rect{1, 2, 33, 40}, Rect{1, 2, 26, 37}, Rect{1, 2, 8, 13}, Rect{-7, -9, 93, 131}}) {
+            ExpectSameInParts(source, part, to, 16);
+            ExpectSameInParts(source, part, to, 32);
         }
     }
 }

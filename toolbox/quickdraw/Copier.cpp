@@ -75,6 +75,9 @@ bool Copier::HasTargetsPixels() const
 Copier::Way Copier::ChooseWay() const
 {
     if (reader_.IsScaled()) {
+        if (!request_.HasMask() && reader_.AveragesPixels() && request_.target.depth == 32) {
+            return Way::kAverageRows;
+        }
         const bool picks = !request_.HasMask() && reader_.Picks() && request_.target.depth >= 8;
         return picks && HasTargetsPixels() ? Way::kPickRows : Way::kSpans;
     }
@@ -103,6 +106,8 @@ Rect Copier::Copy(const Rect& box)
         CopySpans(reachable);
     } else if (way_ == Way::kPickRows) {
         PickRows(reachable);
+    } else if (way_ == Way::kAverageRows) {
+        AverageRows(reachable);
     } else {
         MoveRows(reachable);
     }
@@ -163,6 +168,15 @@ void Copier::PickRows(const Rect& box)
         } else {
             reader_.PickRow(v, to);
         }
+    }
+}
+
+void Copier::AverageRows(const Rect& box)
+{
+    reader_.Prepare(box);
+    const PixelView& target = request_.target;
+    for (int v = box.top; v < box.bottom; ++v) {
+        reader_.AverageRow(v, target.Row(v) + ptrdiff_t{target.Column(box.left)} * 4);
     }
 }
 

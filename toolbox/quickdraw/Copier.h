@@ -36,7 +36,7 @@ public:
     Rect Copy(const Rect& box);
 
 private:
-    enum class Way { kMoveRows, kWidenRows, kSelectRows, kPickRows, kSpans };
+    enum class Way { kMoveRows, kWidenRows, kSelectRows, kPickRows, kAverageRows, kSpans };
     Way ChooseWay() const;
     bool HasTargetsPixels() const;
     bool HasBitMask() const { return request_.mask.depth == 1 && !maskReader_->IsScaled(); }
@@ -44,6 +44,7 @@ private:
     void MoveRows(const Rect& box) const;
     void MoveRow(int v, int h, int count) const;
     void PickRows(const Rect& box);
+    void AverageRows(const Rect& box);
     void CopySpans(const Rect& box);
     void CopySpan(int v, int h, int count);
     void CopyThroughBits(int v, int h, int count);

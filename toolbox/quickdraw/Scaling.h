@@ -1,28 +1,28 @@
 // SPDX-License-Identifier: MIT
 //
-// Where the pixels of a scaled copy come from, and averaging them.
+// Where the pixels of a scaled copy come from.
 #pragma once
 
 #include "toolbox/quickdraw/Palette.h"
-
-#include <vector>
 
 namespace toolbox
 {
 
 // What one column (or row) of the target is made of: source columns first to last, of which the
-// outer two count by their weights and those between fully.
+// outer two may count by a part only. Weights are in parts of a column, of which it has `whole`;
+// together they are less than 65536.
 struct SourceRange {
     int first;
     int last;
-    float firstWeight;
-    float lastWeight; // of a single column: 0
-    float scale;      // one over all weights
+    int firstWeight;
+    int lastWeight; // of a single column: 0
+    int whole;
 
-    float WeightOf(int column) const
+    int WeightOf(int column) const
     {
-        return column == first ? firstWeight : column == last ? lastWeight : 1;
+        return column == first ? firstWeight : column == last ? lastWeight : whole;
     }
+    int Weight() const;
     // Only what lies in [low, high), which must be something.
     SourceRange Within(int low, int high) const;
 };
@@ -37,24 +37,10 @@ struct Axis {
 
     bool IsScaled() const { return fromSize != toSize; }
     bool Averages() const { return fromSize > toSize; }
-    bool Halves() const { return fromSize == 2 * toSize; }
     SourceRange RangeOf(int target) const;
+    // The most columns that a range has.
+    int LongestRange() const;
 };
-
-// Averaging goes down the columns first, two rows at a time: `sums` are four components for each
-// source column.
-void SetSums(const Color* row, float weight, const Color* nextRow, float nextWeight, int count,
-             float* sums);
-void AddToSums(const Color* row, float weight, const Color* nextRow, float nextWeight, int count,
-               float* sums);
-// ... and then along the row. `columns` count from the first of the sums; `rowScale` is one over
-// the weight of the rows.
-void AverageSums(const float* sums, const SourceRange* columns, int count, float rowScale,
-                 Color* colors);
-
-// The same where it is halving in both directions, for pixels of four bytes in whatever order:
-// `count` averages of two pixels each of both rows.
-void AverageFours(const UInt8* row, const UInt8* nextRow, int count, UInt8* averages);
 
 // Pixels of `depth` bits (8, 16 or 32) by their columns, as they are.
 void PickPixels(const UInt8* from, const SourceRange* columns, int depth, int count, UInt8* to);

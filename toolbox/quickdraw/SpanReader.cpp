@@ -75,12 +75,16 @@ bool SpanReader::WeighBy(const SpanReader& mask)
 void SpanReader::FetchWeighted(int row, int column, int count, Color* colors) const
 {
     Fetch(row, column, count, colors);
-    if (weights_ != nullptr) {
-        static constexpr std::array<Color, kSpan> kBlack{};
-        std::array<Color, kSpan> mask;
+    if (weights_ == nullptr) {
+        return;
+    }
+    static constexpr std::array<Color, kSpan> kBlack{};
+    std::array<Color, kSpan> mask;
+    for (int done = 0; done < count; done += kSpan) {
+        const int part = std::min(kSpan, count - done);
         weights_->Fetch(row - rows_.from + weights_->rows_.from,
-                        column - columns_.from + weights_->columns_.from, count, mask.data());
-        BlendColors(mask.data(), kBlack.data(), count, colors);
+                        column + done - columns_.from + weights_->columns_.from, part, mask.data());
+        BlendColors(mask.data(), kBlack.data(), part, colors + done);
     }
 }
 
@@ -104,10 +108,21 @@ void SpanReader::Prepare(const Rect& box)
         range.first -= firstColumn_;
         range.last -= firstColumn_;
     }
-    scratch_.fetched.resize(static_cast<size_t>(columnCount_));
-    if (!Picks()) {
-        scratch_.sums.resize(static_cast<size_t>(columnCount_) * 4);
+    const auto sourceCount = static_cast<size_t>(columnCount_);
+    if (Picks()) {
+        scratch_.fetched.resize(sourceCount);
+        return;
     }
+    if (!AveragesPixels()) {
+        scratch_.fetched.resize(sourceCount * kMostRowsAtOnce);
+    }
+    hasLongRows_ = rows_.LongestRange() > kLongRange;
+    hasLongColumns_ = columns_.LongestRange() > kLongRange;
+    if (!hasLongColumns_) {
+        SetColumnWeights(scratch_.columns.data(), static_cast<int>(count), columns_.LongestRange(),
+                         scratch_.columnWeights);
+    }
+    scratch_.sums.resize(sourceCount * 4 + kMostUncountedSums);
 }
 
 const Color* SpanReader::Read(int v, int h, int count, Color* buffer)
@@ -147,67 +162,74 @@ void SpanReader::MakeRow(int v)
         if (fetchedRow_ == rows.first) {
             return; // the row that was made last comes from the same row of the map
         }
-        FetchNearestRow(rows.first);
+        fetchedRow_ = rows.first;
+        Fetch(rows.first, firstColumn_, columnCount_, scratch_.fetched.data());
         PickColors(scratch_.fetched.data(), scratch_.columns.data(), count, scratch_.made.data());
         return;
     }
-    // Nothing that is missing at the edges makes a range smaller.
-    if (rows_.Halves() && columns_.Halves() && rows.last == rows.first + 1 &&
-        columnCount_ == 2 * count) {
-        HalveRow(rows.first);
-        return;
-    }
-    SumRows(rows);
-    AverageSums(scratch_.sums.data(), scratch_.columns.data(), count, rows.scale,
-                scratch_.made.data());
-}
-
-void SpanReader::FetchNearestRow(int row)
-{
-    Fetch(row, firstColumn_, columnCount_, scratch_.fetched.data());
-    fetchedRow_ = row;
-}
-
-// Colours are not made of pixels before they are averaged where that does not matter.
-void SpanReader::HalveRow(int row)
-{
-    const auto count = static_cast<int>(scratch_.columns.size());
     auto* const made = reinterpret_cast<UInt8*>(scratch_.made.data());
-    if (view_.depth == 32 && tint_.IsNone() && weights_ == nullptr) {
-        const ptrdiff_t offset = ptrdiff_t{view_.Column(firstColumn_)} * 4;
-        AverageFours(view_.Row(row) + offset, view_.Row(row + 1) + offset, count, made);
+    AverageRow(v, made);
+    if (AveragesPixels()) {
         FetchSpan(made, 32, 0, count, nullptr, scratch_.made.data());
-        return;
-    }
-    for (int done = 0; done < count; done += kSpan / 2) {
-        std::array<Color, kSpan> colors;
-        std::array<Color, kSpan> nextColors;
-        const int part = std::min(kSpan / 2, count - done);
-        FetchWeighted(row, firstColumn_ + 2 * done, 2 * part, colors.data());
-        FetchWeighted(row + 1, firstColumn_ + 2 * done, 2 * part, nextColors.data());
-        AverageFours(reinterpret_cast<const UInt8*>(colors.data()),
-                     reinterpret_cast<const UInt8*>(nextColors.data()), part,
-                     made + ptrdiff_t{4} * done);
     }
 }
 
-// Two rows at a time, in pieces that stay in the nearest cache.
+bool SpanReader::AveragesPixels() const
+{
+    return !Picks() && view_.depth == 32 && tint_.IsNone() && weights_ == nullptr;
+}
+
+void SpanReader::AverageRow(int v, UInt8* to)
+{
+    const SourceRange rows = rows_.RangeOf(v).Within(view_.bounds.top, view_.bounds.bottom);
+    const auto count = static_cast<int>(scratch_.columns.size());
+    if (hasLongRows_) {
+        SumLongRange(rows);
+    } else {
+        SumRows(rows);
+    }
+    if (hasLongColumns_) {
+        AverageLongRanges(scratch_.sums.data(), scratch_.columns.data(), count, to);
+    } else {
+        AverageSums(scratch_.sums.data(), scratch_.columnWeights, count, to);
+    }
+}
+
+SpanReader::Rows SpanReader::FetchRows(int row, int count)
+{
+    if (AveragesPixels()) {
+        return {view_.Row(row) + ptrdiff_t{view_.Column(firstColumn_)} * 4, view_.rowBytes};
+    }
+    for (int i = 0; i < count; ++i) {
+        FetchWeighted(row + i, firstColumn_, columnCount_,
+                      scratch_.fetched.data() + ptrdiff_t{columnCount_} * i);
+    }
+    return {reinterpret_cast<const UInt8*>(scratch_.fetched.data()), ptrdiff_t{columnCount_} * 4};
+}
+
 void SpanReader::SumRows(const SourceRange& rows)
 {
-    for (int done = 0; done < columnCount_; done += kSpan) {
-        std::array<Color, kSpan> colors;
-        std::array<Color, kSpan> nextColors;
-        const int count = std::min(kSpan, columnCount_ - done);
-        float* const sums = scratch_.sums.data() + ptrdiff_t{4} * done;
-        for (int row = rows.first; row <= rows.last; row += 2) {
-            const bool hasNext = row < rows.last;
-            FetchWeighted(row, firstColumn_ + done, count, colors.data());
-            FetchWeighted(hasNext ? row + 1 : row, firstColumn_ + done, count, nextColors.data());
-            const float nextWeight = hasNext ? rows.WeightOf(row + 1) : 0;
-            (row == rows.first ? SetSums : AddToSums)(colors.data(), rows.WeightOf(row),
-                                                      nextColors.data(), nextWeight, count, sums);
-        }
+    UInt32 before = 0;
+    for (int row = rows.first; row <= rows.last;) {
+        const int count = EqualRows(rows, row);
+        const Rows fetched = FetchRows(row, count);
+        const UInt32 upTo = WeightBefore(rows, row + count);
+        (row == rows.first ? SetSums : AddToSums)(fetched.first, fetched.rowBytes, count,
+                                                  WeightBetween(before, upTo), columnCount_,
+                                                  scratch_.sums.data());
+        before = upTo;
+        row += count;
     }
+}
+
+void SpanReader::SumLongRange(const SourceRange& rows)
+{
+    scratch_.longSums.assign(static_cast<size_t>(columnCount_) * 4, 0);
+    for (int row = rows.first; row <= rows.last; ++row) {
+        AddLongRow(FetchRows(row, 1).first, rows.WeightOf(row), columnCount_,
+                   scratch_.longSums.data());
+    }
+    ShortenSums(scratch_.longSums.data(), rows.Weight(), columnCount_, scratch_.sums.data());
 }
 
 } // namespace toolbox

@@ -3,8 +3,8 @@
 // The colours that a map gives for the pixels of a target, scaled and tinted as the copy asks.
 #pragma once
 
+#include "toolbox/quickdraw/Averaging.h"
 #include "toolbox/quickdraw/PixelView.h"
-#include "toolbox/quickdraw/Scaling.h"
 
 #include <optional>
 
@@ -22,9 +22,11 @@ struct Tint {
 // Memory of a scaled copy, to be used again by the next one.
 struct ScalingScratch {
     std::vector<SourceRange> columns;
+    ColumnWeights columnWeights;
     std::vector<Color> fetched;
     std::vector<Color> made;
-    std::vector<float> sums;
+    std::vector<UInt16> sums;
+    std::vector<UInt32> longSums;
 };
 
 class SpanReader
@@ -54,6 +56,10 @@ public:
     // prepared box there as they are.
     int PickedRow(int v) const { return rows_.RangeOf(v).first; }
     void PickRow(int v, UInt8* to) const;
+    // Whether pixels are averaged as they stand in a map of 32 bits, and putting those for a row
+    // of the prepared box there.
+    bool AveragesPixels() const;
+    void AverageRow(int v, UInt8* to);
     // Where the pixel for (v, h) stands in an unscaled map.
     const UInt8* Row(int v) const { return view_.Row(v - rows_.to + rows_.from); }
     int Column(int h) const { return view_.Column(h - columns_.to + columns_.from); }
@@ -61,10 +67,14 @@ public:
 private:
     void Fetch(int row, int column, int count, Color* colors) const;
     void MakeRow(int v);
-    void SumRows(const SourceRange& rows);
-    void HalveRow(int row);
-    void FetchNearestRow(int row);
+    struct Rows {
+        const UInt8* first;
+        ptrdiff_t rowBytes;
+    };
+    Rows FetchRows(int row, int count);
     void FetchWeighted(int row, int column, int count, Color* colors) const;
+    void SumRows(const SourceRange& rows);
+    void SumLongRange(const SourceRange& rows);
     bool HasAllPixels() const;
 
     static constexpr int kNoRow = INT32_MIN;
@@ -78,6 +88,8 @@ private:
     Rect box_{};          // the target's part being made …
     int firstColumn_ = 0; // … which needs these columns of the source
     int columnCount_ = 0;
+    bool hasLongRows_ = false;
+    bool hasLongColumns_ = false;
     int madeRow_ = kNoRow;    // the target's row in scratch_.made
     int fetchedRow_ = kNoRow; // the source's row in scratch_.fetched
 };
