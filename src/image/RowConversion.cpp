@@ -68,9 +68,9 @@ inline void StoreFromHalves(UInt8* pixel, UInt8* mask, const UInt8* rgba)
     std::memcpy(&greenRed, rgba, sizeof greenRed);
     std::memcpy(&alphaBlue, rgba + sizeof greenRed, sizeof alphaBlue);
     const auto color = static_cast<UInt16>((greenRed >> 1 & 0x7C) | greenRed >> 14 |
-                                           (greenRed << 2 & 0xE000) | (alphaBlue << 5 & 0x1F00));
+                                           (greenRed & 0x3800) << 2 | (alphaBlue & 0xF8) << 5);
     const auto gray = static_cast<UInt16>((alphaBlue >> 9 & 0x7C) | alphaBlue >> 14 |
-                                          (alphaBlue << 2 & 0xE000) | (alphaBlue >> 3 & 0x1F00));
+                                          (alphaBlue & 0x3800) << 2 | (alphaBlue >> 3 & 0x1F00));
     std::memcpy(pixel, &color, sizeof color);
     std::memcpy(mask, &gray, sizeof gray);
 }
