@@ -125,6 +125,26 @@ TEST(MovieDrawing, TakesNoMemoryForWhatIsNotSeen)
     EXPECT_LT(after.ru_maxrss - before.ru_maxrss, kKilobytesThatOneOfThemTakes / 10);
 }
 
+// A scaler that is fast for even widths only is not asked for others.
+TEST(MovieDrawing, AtAnOddWidthIsTheNextEvenOneWithoutItsLastColumn)
+{
+    OpenedMovie page(Clip("mpeg1.mpg"));
+    page.OpenAll();
+    const auto rowsOf = [&](SInt16 width) {
+        const Rect bounds = {0, 0, 200 + 16, width};
+        MCSetControllerBoundsRect(page.controller, &bounds);
+        MCDoAction(page.controller, mcActionDraw, page.port);
+        SInt32 rowBytes = 0;
+        const UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
+        std::vector<UInt8> rows;
+        for (int v = 0; v < 200; ++v) {
+            rows.insert(rows.end(), pixels + v * rowBytes, pixels + v * rowBytes + 319 * 4);
+        }
+        return rows;
+    };
+    EXPECT_EQ(rowsOf(319), rowsOf(320));
+}
+
 TEST(MovieDrawing, DoesNotTouchItsNeighboursAtAnyWidth)
 {
     OpenedMovie page(Clip("mpeg1.mpg"));

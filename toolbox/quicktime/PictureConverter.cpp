@@ -37,6 +37,15 @@ bool IsSame(const Rect& a, const Rect& b)
     return a.top == b.top && a.left == b.left && a.bottom == b.bottom && a.right == b.right;
 }
 
+// How wide a picture is made for a place. libswscale has vector code for even widths only, and the
+// other takes eight times as long: where a picture is scaled at all, an odd place gets a column
+// less than was made.
+int ConvertedWidth(int own, int place)
+{
+    const int width = std::min(place, std::max(own, kLargestSide));
+    return width == own ? width : width + width % 2;
+}
+
 // libavcodec writes the stream's number into some fields, whether there is such an enumerator or
 // not.
 template <class Enumeration>
@@ -90,13 +99,13 @@ bool PictureConverter::Prepare(const AVFrame& picture, const Rect& place)
                              picture.format,
                              NumberIn(picture.colorspace),
                              NumberIn(picture.color_range),
-                             std::min(WidthOf(place), std::max(picture.width, kLargestSide)),
+                             ConvertedWidth(picture.width, WidthOf(place)),
                              std::min(HeightOf(place), std::max(picture.height, kLargestSide))};
     if (scaler_ && wanted == geometry_) {
         return true;
     }
     geometry_ = wanted;
-    const bool isScaled = wanted.width != wanted.toWidth || wanted.height != wanted.toHeight;
+    const bool isScaled = IsScaled();
     scaler_.reset(sws_getContext(wanted.width, wanted.height,
                                  static_cast<AVPixelFormat>(wanted.format), wanted.toWidth,
                                  wanted.toHeight, AV_PIX_FMT_BGRA,
@@ -116,9 +125,7 @@ void PictureConverter::Convert(const AVFrame& picture, UInt8* pixels, SInt32 row
     UInt8* const destination[4] = {pixels, nullptr, nullptr, nullptr};
     const int strides[4] = {rowBytes, 0, 0, 0};
     // libswscale's scalers leave rows out, or worse, where a picture comes to them in bands.
-    const bool isScaled =
-        geometry_.width != geometry_.toWidth || geometry_.height != geometry_.toHeight;
-    const int bandRows = isScaled ? geometry_.height : kBandRows;
+    const int bandRows = IsScaled() ? geometry_.height : kBandRows;
     const int shift =
         av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format))->log2_chroma_h;
     int done = 0;
@@ -157,9 +164,16 @@ void PictureConverter::DrawThroughScratch(const AVFrame& picture, CGrafPort& por
     }
 }
 
+bool PictureConverter::IsScaled() const
+{
+    return geometry_.width != geometry_.toWidth || geometry_.height != geometry_.toHeight;
+}
+
+// But for a last column that is not shown.
 bool PictureConverter::IsMadeFor(const Rect& place) const
 {
-    return geometry_.toWidth == WidthOf(place) && geometry_.toHeight == HeightOf(place);
+    return (geometry_.toWidth == WidthOf(place) || geometry_.toWidth == WidthOf(place) + 1) &&
+           geometry_.toHeight == HeightOf(place);
 }
 
 // Only what is seen, each pixel the nearest one.

@@ -32,6 +32,7 @@ private:
         bool operator==(const Geometry&) const = default;
     };
     bool Prepare(const AVFrame& picture, const Rect& place);
+    bool IsScaled() const;
     bool IsMadeFor(const Rect& place) const;
     void Convert(const AVFrame& picture, UInt8* pixels, SInt32 rowBytes);
     void DrawThroughScratch(const AVFrame& picture, CGrafPort& port, const Rect& place,
