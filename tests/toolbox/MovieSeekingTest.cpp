@@ -125,6 +125,24 @@ TEST_P(SoughtMovie, StepsFromPictureToPictureForwardAndBack)
     }
 }
 
+// Pictures that were decoded while it played have their turn.
+TEST_P(SoughtMovie, StepsOnFromWhereverItWasPaused)
+{
+    OpenAll();
+    for (int steps = 1; steps < 6; ++steps) {
+        page.ClickPlay();
+        page.PlayToEnd([] {}, 0.15);
+        page.ClickPlay();
+        const int paused = PictureShown();
+        ASSERT_TRUE(page.Key(kRightArrowCharCode));
+        ASSERT_EQ(PictureShown(), paused + 1);
+        ASSERT_TRUE(page.Key(kRightArrowCharCode));
+        ASSERT_EQ(PictureShown(), paused + 2);
+        ASSERT_TRUE(page.Key(kLeftArrowCharCode));
+        ASSERT_EQ(PictureShown(), paused + 1);
+    }
+}
+
 TEST_P(SoughtMovie, PlaysEveryPictureFromThereOn)
 {
     OpenAll();

@@ -69,6 +69,7 @@ public:
     SInt32 rate = 0;
     SInt32 channels = 0;
     std::vector<SInt32> volumes;
+    int pieces = 0; // in which the sound was given
     SInt64 leastAhead = INT64_MAX;
     SInt64 firstDue = -1;
 
@@ -79,6 +80,7 @@ private:
     };
     void Take(const SInt16* frames, SInt32 count, SInt64 at)
     {
+        ++pieces;
         leastAhead = std::min(leastAhead, at - page.now);
         firstDue = firstDue < 0 ? at : firstDue;
         for (SInt32 i = 0; i < count; ++i, frames += channels) {
@@ -101,6 +103,15 @@ TEST(HeardMovie, GivesItsSoundAheadByAsMuchAsTheSinkWants)
     movie.page.ClickPlay();
     movie.Run(2'000'000);
     EXPECT_GE(movie.leastAhead, kLead);
+}
+
+TEST(HeardMovie, GivesItsSoundForManyPicturesAtATime)
+{
+    HeardMovie movie("mpeg1.mpg");
+    movie.page.OpenAll();
+    movie.page.ClickPlay();
+    movie.Run(2'000'000);
+    EXPECT_GT(movie.page.Statistics().picturesShown, 8 * movie.pieces);
 }
 
 TEST(HeardMovie, BeginsItsPicturesWhenItsSoundIsHeard)

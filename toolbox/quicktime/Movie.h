@@ -99,6 +99,7 @@ private:
     Nanoseconds PrepareSound(Nanoseconds target);
     Nanoseconds PreparePictures(Nanoseconds target);
     void TakeNextPicture();
+    void DecodeAhead();
     void PlaySoundUpTo(Nanoseconds time);
     void OpenSound();
     SInt64 ClockAt(Nanoseconds time) const;

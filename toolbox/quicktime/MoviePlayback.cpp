@@ -82,6 +82,7 @@ void MovieRecord::PlayDue()
         Anchor(time_);
     } else {
         PlaySoundAhead();
+        DecodeAhead();
     }
     const bool picturesAreOver = !video_ || (video_->IsEnded() && video_->Next() == nullptr);
     const bool soundIsOver = !audio_ || audio_->DecodeUpTo(time_ + 1) == AudioTrack::Step::kEnded;
@@ -134,6 +135,24 @@ void MovieRecord::TakeNextPicture()
 {
     if (!video_->TakeNext()) {
         ++picturesDropped_;
+    }
+}
+
+// Between two pictures the processor turns to other things, and a decoder that comes back finds
+// little of its own in the caches: several pictures one after the other cost far less than one at
+// a time.
+void MovieRecord::DecodeAhead()
+{
+    if (!video_ || video_->HasAhead()) {
+        return;
+    }
+    while (video_->HasRoomAhead()) {
+        const VideoTrack::Step step = video_->DecodeAhead();
+        const bool isPulled =
+            step == VideoTrack::Step::kNeedsPacket && PullPacket() != Step::kWaiting;
+        if (step != VideoTrack::Step::kFrame && !isPulled) {
+            return;
+        }
     }
 }
 

@@ -15,6 +15,8 @@ constexpr Nanoseconds kPerMicrosecond = 1000;
 // Sound that is given ahead is given for this long more, so that work of other kinds may take its
 // time.
 constexpr Nanoseconds kSoundReserve = kSecond / 4;
+// Then it is decoded and given for as long again, which costs less than a little at every picture.
+constexpr Nanoseconds kSoundBurst = kSecond / 2;
 // A movie that ran out of bytes goes on when there is sound for this long.
 constexpr Nanoseconds kRefill = kSecond / 4;
 constexpr int kFullVolume = 256;
@@ -72,7 +74,7 @@ void MovieRecord::BeginSound()
     const ToolboxSoundSink& sink = SoundSink();
     const SInt64 lead = sound_ != nullptr ? sink.prepare(sink.refCon, sound_) : 0;
     soundLead_ = std::max<SInt64>(0, lead) * kPerMicrosecond;
-    audio_->KeepTaken(soundLead_ > 0 ? soundLead_ + kSoundReserve : 0);
+    audio_->KeepTaken(soundLead_ > 0 ? soundLead_ + kSoundReserve + kSoundBurst : 0);
     Anchor(time_);
     anchorClock_ += soundLead_ / kPerMicrosecond;
 }
@@ -91,7 +93,11 @@ void MovieRecord::PlaySoundAhead()
     }
     const Nanoseconds begun =
         anchorTime_ + (ToolboxMicroseconds() - anchorClock_) * kPerMicrosecond;
-    const Nanoseconds end = begun + soundLead_ + kSoundReserve;
+    const Nanoseconds least = begun + soundLead_ + kSoundReserve;
+    if (audio_->Start() != kNoTime && audio_->Position() >= least) {
+        return;
+    }
+    const Nanoseconds end = least + kSoundBurst;
     while (audio_->DecodeUpTo(end) == AudioTrack::Step::kNeedsPacket) {
         if (PullPacket() == Step::kWaiting) {
             break;

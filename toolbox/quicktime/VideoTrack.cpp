@@ -2,7 +2,9 @@
 #include "toolbox/quicktime/VideoTrack.h"
 
 #include <cstring>
+#include <iterator>
 #include <new>
+#include <numeric>
 #include <utility>
 
 namespace toolbox
@@ -14,6 +16,8 @@ constexpr Nanoseconds kUsualDuration = kSecond / 25;
 // A key picture that is not recognised so long after its place has been overlooked: the next
 // picture that can be decoded alone stands in for it.
 constexpr SInt64 kPicturesOverdue = 2;
+// What the pictures behind the next one may take.
+constexpr size_t kMostBytesAhead = size_t{1} << 20;
 
 // A sequence header followed by an extension start code is MPEG-2 (ISO 13818-2 6.2.2); libavformat
 // calls both kinds MPEG-2 until it has looked further than we let it.
@@ -46,6 +50,14 @@ void Prepend(const std::vector<UInt8>& bytes, AVPacket& packet)
     }
     std::memmove(packet.data + count, packet.data, static_cast<size_t>(before));
     std::memcpy(packet.data, bytes.data(), bytes.size());
+}
+
+size_t BytesOf(const AVFrame& frame)
+{
+    return std::accumulate(std::begin(frame.buf), std::end(frame.buf), size_t{0},
+                           [](size_t sum, const AVBufferRef* buffer) {
+                               return sum + (buffer != nullptr ? buffer->size : 0);
+                           });
 }
 
 // The only picture of a packet, from a decoder of its own that is told at once that no more come.
@@ -134,11 +146,31 @@ void VideoTrack::BeginWith(AVPacket& packet)
 
 VideoTrack::Step VideoTrack::DecodeNext()
 {
+    return DecodeInto(next_);
+}
+
+VideoTrack::Step VideoTrack::DecodeAhead()
+{
+    Picture picture;
+    const Step step = DecodeInto(picture);
+    if (step == Step::kFrame) {
+        ahead_.push_back(std::move(picture));
+    }
+    return step;
+}
+
+bool VideoTrack::HasRoomAhead() const
+{
+    return next_.frame && (ahead_.size() + 1) * BytesOf(*next_.frame) <= kMostBytesAhead;
+}
+
+VideoTrack::Step VideoTrack::DecodeInto(Picture& picture)
+{
     LibAVPtr<AVFrame> frame = NewFrame();
     const Step step = decoder_.Decode(*frame);
     if (step == Step::kFrame) {
-        next_ = Picture{std::move(frame)};
-        Time(next_);
+        picture = Picture{std::move(frame)};
+        Time(picture);
     }
     return step;
 }
@@ -172,6 +204,10 @@ bool VideoTrack::TakeNext()
     const bool wasShown = !current_.frame || current_.isShown || isSamePicture;
     next_.isShown = isSamePicture && current_.isShown;
     current_ = std::exchange(next_, Picture{});
+    if (!ahead_.empty()) {
+        next_ = std::move(ahead_.front());
+        ahead_.pop_front();
+    }
     return wasShown;
 }
 
@@ -196,6 +232,7 @@ void VideoTrack::Flush(const KeySample& key)
 {
     decoder_.Flush();
     next_ = Picture{};
+    ahead_.clear();
     isFirstOnTheSide_ = false;
     hasPictures_ = false;
     nextStart_ = key.time;

@@ -39,6 +39,12 @@ public:
     // Decodes on until there is a next picture.
     using Step = TrackDecoder::Step;
     Step DecodeNext();
+    // While there is a next picture: decodes on until there is one more behind it.
+    Step DecodeAhead();
+    // Pictures wait behind the next one.
+    bool HasAhead() const { return !ahead_.empty(); }
+    // One more of them would not take too much memory.
+    bool HasRoomAhead() const;
     // The picture to be shown now and the one after it; null if there is none (yet).
     const Picture* Current() const { return current_.frame ? &current_ : nullptr; }
     Picture* Current() { return current_.frame ? &current_ : nullptr; }
@@ -56,6 +62,7 @@ public:
 
 private:
     VideoTrack(LibAVPtr<AVCodecContext> decoder, bool hasClock, Nanoseconds start);
+    Step DecodeInto(Picture& picture);
     void Time(Picture& picture);
     Nanoseconds DurationOf(const AVFrame& frame) const;
     bool IsPassedOver(AVPacket& packet);
@@ -68,6 +75,7 @@ private:
     Nanoseconds nextStart_; // the end of the picture decoded last
     Picture current_;
     Picture next_;
+    std::deque<Picture> ahead_;     // behind next_
     bool isFirstOnTheSide_ = false; // current_ came from ShowFirst
     bool hasPictures_ = false;
     enum class Taking { kAll, kFromKey, kFromNextReference };
