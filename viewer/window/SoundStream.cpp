@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/window/SoundStream.h"
 
+#include "toolbox/CpuVersions.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -21,6 +23,13 @@ constexpr SInt64 kMostDeviation = 15'000;
 constexpr SInt64 kMostWaiting = 3 * kMicrosecondsPerSecond;
 constexpr SInt32 kFullVolume = 256;
 constexpr SInt32 kFullLoudness = 1 << 16;
+
+VORN_CPU_VERSIONS void AddUp(SInt32* sums, const SInt16* samples, size_t count)
+{
+    for (size_t i = 0; i < count; ++i) {
+        sums[i] += samples[i];
+    }
+}
 
 // `part` of `whole` of a sample.
 SInt16 Faded(SInt16 sample, size_t part, size_t whole)
@@ -190,6 +199,13 @@ void SoundStream::Take(Stretch& stretch, SInt32* sums, size_t frames)
     const size_t ramp = RampFrames();
     const SInt32 step = kFullLoudness / static_cast<SInt32>(ramp) + 1;
     const SInt16* sample = stretch.samples.data() + stretch.head;
+    const bool isAsItIs =
+        faded_ >= ramp && loudness_ == kFullLoudness && wantedLoudness_ == kFullLoudness;
+    if (isAsItIs) {
+        AddUp(sums, sample, frames * channels);
+        Drop(stretch, frames);
+        return;
+    }
     for (size_t frame = 0; frame < frames; ++frame) {
         loudness_ += std::clamp(wantedLoudness_ - loudness_, -step, step);
         for (size_t channel = 0; channel < channels; ++channel, ++sample, ++sums) {
