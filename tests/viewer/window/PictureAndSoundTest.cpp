@@ -19,7 +19,7 @@ using viewer::WindowClock;
 
 constexpr const char* kClip = "mpeg1.mpg";
 constexpr SInt64 kMostApart = 20'000;
-constexpr size_t kPortion = 1024;
+constexpr size_t kPortion = 2048;
 constexpr SInt32 kRate = 44100;
 constexpr SInt32 kChannels = 2;
 constexpr SInt64 kPortionTime = kPortion * SInt64{1'000'000} / kRate;
