@@ -12,6 +12,8 @@ const std::string kUnseen = "click=none shown=none";
 // Nor is all of it spooled, and that is what the host hears.
 const std::string kUnspooled = "click=none decode=E shown=none";
 const std::string kUnreadable = "click=none idle=-2048 shown=none";
+// Or it was read up to there.
+const std::string kReadInPart = "click=none idle=-2048 shown=none,some";
 // Without a controller in the right place the click misses the button.
 const std::string kNotStarted = "click=none shown=some";
 
@@ -91,18 +93,17 @@ std::vector<Expectation> MovieAtOnceExpectations()
 std::vector<Expectation> MovieInPiecesExpectations()
 {
     return WithThoseOfEveryMovie(
-        {{"CallComponent", kUnreadable, "click=none idle=-2048 shown=none,some"},
-         {"CallComponentFunctionWithStorageProcInfo", kUnreadable,
-          "click=none idle=-2048 shown=none,some", kUnclosedDelegate},
+        {{"CallComponent", kReadInPart, kReadInPart},
+         {"CallComponentFunctionWithStorageProcInfo", kReadInPart, kReadInPart, kUnclosedDelegate},
          {"DelegateComponentCall", kNothing, kUnseen},
          {"DeleteMovieSegment", kNothing, kNothing},
          {"FSClose", "decode=E shown=some", "decode=E shown=some", kUnclosedPath},
-         {"FSRead", kUnreadable, "click=none idle=-2048 shown=none,some"},
+         {"FSRead", kReadInPart, kReadInPart},
          {"FSWrite", "click=none decode=E shown=none,some", "click=none decode=E shown=none,some",
           kWritingPath},
          {"FSpOpenDF", kUnspooled, "click=none decode=E idle=-2048 shown=none"},
          {"FindNextComponent", kNothing, kUnseen},
-         {"GetEOF", kUnreadable, "click=none idle=-2048 shown=none,some"},
+         {"GetEOF", kReadInPart, kReadInPart},
          {"GetMaxLoadedTimeInMovie", kNothing, kNothing},
          {"GetMovieDuration", kNothing, kNothing},
          {"MCDoAction", "shown=some", "shown=none"},
@@ -116,7 +117,7 @@ std::vector<Expectation> MovieInPiecesExpectations()
           kWritingPath},
          {"NewMovieFromDataRef", kNothing, kUnseen},
          {"OpenAComponent", kNothing, kUnseen},
-         {"SetFPos", kUnreadable, "click=none idle=-2048 shown=none,some"}});
+         {"SetFPos", kReadInPart, kReadInPart}});
 }
 
 // Pictures that are gone back to are shown again, and count again.
