@@ -112,6 +112,14 @@ TEST_F(GifDecoding, CutsLaterFramesOffAtTheCanvas)
     EXPECT_EQ(Frame(2).pixels, Pixels{kWhite});
 }
 
+TEST_F(GifDecoding, FindsAllRowsOnTheCanvasOfAnInterlacedFrameThatIsCutOff)
+{
+    GifImage tall = {0, 0, 1, 16, Indices({0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3})};
+    tall.isInterlaced = true;
+    ASSERT_EQ(Decode(GifBuilder(1, 3, kColors).Image(Plain(1, 3, 0)).Image(tall).Bytes()), 0);
+    EXPECT_EQ(Frame(1).pixels, (Pixels{kBlack, kRed, kGreen}));
+}
+
 TEST_F(GifDecoding, KeepsTheTimeOfAFrameOutsideTheCanvas)
 {
     ASSERT_EQ(Decode(GifBuilder(2, 2, kColors)
