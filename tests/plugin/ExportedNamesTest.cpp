@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The dynamic symbols of the bundle that was built, the list that the linker makes them from, and
+// The dynamic symbols of the bundles that were built, the list that the linker makes them from, and
 // the names that hosts and other code rely on, each against the others.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,10 +9,12 @@
 #include <cctype>
 #include <cstdio>
 #include <dlfcn.h>
+#include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 using testing::Contains;
 using testing::IsEmpty;
@@ -140,11 +142,20 @@ std::string OutputOf(const std::string& command)
     return output;
 }
 
+std::vector<std::string> Bundles()
+{
+    std::vector<std::string> paths;
+    std::istringstream list(VORN_BUNDLE_BINARIES);
+    for (std::string path; std::getline(list, path, ':');)
+        paths.push_back(path);
+    return paths;
+}
+
 // Lines are "address type name".
-Names BundleNames()
+Names NamesOf(const std::string& bundle)
 {
     Names names;
-    std::istringstream lines(OutputOf(VORN_NM " -D --defined-only '" VORN_BUNDLE_BINARY "'"));
+    std::istringstream lines(OutputOf(VORN_NM " -D --defined-only '" + bundle + "'"));
     for (std::string address, type, name; lines >> address >> type >> name;)
         names.insert(name);
     return names;
@@ -158,44 +169,54 @@ Names Without(const Names& all, const Names& taken)
     return rest;
 }
 
+// Of every bundle that there is.
+class ExportedNames : public testing::TestWithParam<std::string>
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(Bundles, ExportedNames, testing::ValuesIn(Bundles()),
+                         [](const auto& bundle) {
+                             return std::filesystem::path(bundle.param).stem().string();
+                         });
+
 } // namespace
 
-TEST(ExportedNames, AreAllInTheBundle)
+TEST_P(ExportedNames, AreAllInTheBundle)
 {
     ASSERT_THAT(ListedNames(), Not(IsEmpty()));
-    EXPECT_THAT(Without(ListedNames(), BundleNames()), IsEmpty());
+    EXPECT_THAT(Without(ListedNames(), NamesOf(GetParam())), IsEmpty());
 }
 
-TEST(ExportedNames, AreAllThatTheBundleExports)
+TEST_P(ExportedNames, AreAllThatTheBundleExports)
 {
-    ASSERT_THAT(BundleNames(), Not(IsEmpty()));
-    EXPECT_THAT(Without(BundleNames(), ListedNames()), IsEmpty());
+    ASSERT_THAT(NamesOf(GetParam()), Not(IsEmpty()));
+    EXPECT_THAT(Without(NamesOf(GetParam()), ListedNames()), IsEmpty());
 }
 
-TEST(ExportedNames, AreThePromisedOnes)
+TEST_P(ExportedNames, AreThePromisedOnes)
 {
     EXPECT_EQ(kPromisedNames.size(), 90U);
-    EXPECT_THAT(Without(kPromisedNames, BundleNames()), IsEmpty());
-    EXPECT_THAT(Without(BundleNames(), kPromisedNames), IsEmpty());
+    EXPECT_THAT(Without(kPromisedNames, NamesOf(GetParam())), IsEmpty());
+    EXPECT_THAT(Without(NamesOf(GetParam()), kPromisedNames), IsEmpty());
 }
 
-TEST(ExportedNames, ArePlain)
+TEST_P(ExportedNames, ArePlain)
 {
-    for (const std::string& name : ListedNames())
+    for (const std::string& name : NamesOf(GetParam()))
         EXPECT_TRUE(std::all_of(name.begin(), name.end(), [](unsigned char character) {
             return std::isalnum(character);
         })) << name;
 }
 
-TEST(ExportedNames, DoNotHoldTheTwoThatOnlyTheBundleKnows)
+TEST_P(ExportedNames, DoNotHoldTheTwoThatOnlyTheBundleKnows)
 {
-    EXPECT_THAT(BundleNames(), Not(Contains("VornPluginInitialize")));
-    EXPECT_THAT(BundleNames(), Not(Contains("VornPluginTerminate")));
+    EXPECT_THAT(NamesOf(GetParam()), Not(Contains("VornPluginInitialize")));
+    EXPECT_THAT(NamesOf(GetParam()), Not(Contains("VornPluginTerminate")));
 }
 
-TEST(ExportedNames, AreFoundInTheLoadedBundle)
+TEST_P(ExportedNames, AreFoundInTheLoadedBundle)
 {
-    void* bundle = dlopen(VORN_BUNDLE_BINARY, RTLD_NOW | RTLD_LOCAL);
+    void* bundle = dlopen(GetParam().c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(bundle, nullptr) << dlerror();
     for (const std::string& name : ListedNames())
         EXPECT_NE(dlsym(bundle, name.c_str()), nullptr) << name;
