@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <dlfcn.h>
 #include <stdexcept>
 #include <utility>
 
@@ -18,45 +17,9 @@ std::map<VornPlugin*, HostedObject*>& Objects()
     return objects;
 }
 
-template <class Function>
-void Resolve(void* library, const char* name, Function& function)
-{
-    function = reinterpret_cast<Function>(dlsym(library, name));
-    if (function == nullptr) {
-        throw std::runtime_error(std::string("the bundle lacks ") + name);
-    }
-}
-
 } // namespace
 
-MovieBundle::MovieBundle()
-{
-    const std::string folder = VORN_PLUGINS "/VornMovie.plugin";
-    const CFURLRef url = CFURLCreateFromFileSystemRepresentation(
-        nullptr, reinterpret_cast<const UInt8*>(folder.data()), static_cast<CFIndex>(folder.size()),
-        1);
-    bundle = CFBundleCreate(nullptr, url);
-    CFRelease(url);
-    library = dlopen((folder + "/Contents/Linux/VornMovie.so").c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr || bundle == nullptr) {
-        throw std::runtime_error("no movie bundle in " + folder);
-    }
-    Resolve(library, "VornPluginMakeNewObject", makeNewObject);
-    Resolve(library, "VornPluginDecodeObject", decodeObject);
-    Resolve(library, "VornPluginDisplayObject", displayObject);
-    Resolve(library, "VornPluginIdleObject", idleObject);
-    Resolve(library, "VornPluginHandleObjectClick", handleObjectClick);
-    Resolve(library, "VornPluginFreeObject", freeObject);
-    Resolve(library, "VornPluginHaveObjectDimensions", haveDimensions);
-}
-
-// The library stays: the component it registered does.
-MovieBundle::~MovieBundle()
-{
-    CFRelease(bundle);
-}
-
-HostedObject::HostedObject(const MovieBundle& bundle, std::string bytes, CGrafPtr port)
+HostedObject::HostedObject(const test::BuiltBundle& bundle, std::string bytes, CGrafPtr port)
     : bundle_(bundle), bytes_(std::move(bytes)), port_(port)
 {
     const OSErr err =

@@ -4,7 +4,7 @@
 // that arrive as the test says.
 #pragma once
 
-#include "src/plugin/VornPluginABI.h"
+#include "tests/support/BuiltBundle.h"
 #include "toolbox/quickdraw/QuickDraw.h"
 #include "toolbox/quicktime/Movies.h"
 #include "toolbox/threads/Threads.h"
@@ -13,29 +13,11 @@
 #include <memory>
 #include <string>
 
-// The bundle's entry points.
-struct MovieBundle {
-    MovieBundle();
-    ~MovieBundle();
-    MovieBundle(const MovieBundle&) = delete;
-    MovieBundle& operator=(const MovieBundle&) = delete;
-
-    void* library = nullptr;
-    CFBundleRef bundle = nullptr;
-    decltype(&VornPluginMakeNewObject) makeNewObject = nullptr;
-    decltype(&VornPluginDecodeObject) decodeObject = nullptr;
-    decltype(&VornPluginDisplayObject) displayObject = nullptr;
-    decltype(&VornPluginIdleObject) idleObject = nullptr;
-    decltype(&VornPluginHandleObjectClick) handleObjectClick = nullptr;
-    decltype(&VornPluginFreeObject) freeObject = nullptr;
-    decltype(&VornPluginHaveObjectDimensions) haveDimensions = nullptr;
-};
-
 // One object, from its making to its end.
 class HostedObject
 {
 public:
-    HostedObject(const MovieBundle& bundle, std::string bytes, CGrafPtr port);
+    HostedObject(const test::BuiltBundle& bundle, std::string bytes, CGrafPtr port);
     // Ends as a host ends: no more bytes, decoding returns, the object is freed. Yields meanwhile.
     // That is safe in a destructor on the application thread alone, where every test runs: nobody
     // can dispose of that thread, so the yield always returns, and nothing thrown on another
@@ -71,7 +53,7 @@ private:
     OSErr GetData(void* buffer, SInt32 offset, SInt32* count, SInt32* dataSize,
                   unsigned char* dataComplete);
 
-    const MovieBundle& bundle_;
+    const test::BuiltBundle& bundle_;
     std::string bytes_;
     CGrafPtr port_;
     VornPlugin* object_ = nullptr;

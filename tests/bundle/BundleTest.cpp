@@ -26,7 +26,7 @@ class WholeBundle : public testing::Test
 protected:
     WholeBundle()
     {
-        static MovieBundle loaded;
+        static test::BuiltBundle loaded("VornMovie");
         bundle = &loaded;
         SetToolboxClock([](void* self) { return static_cast<WholeBundle*>(self)->now; }, this);
         const Rect bounds = {0, 0, 400, 500};
@@ -83,7 +83,7 @@ protected:
         return PBGetCatInfoSync(&info) == noErr;
     }
 
-    MovieBundle* bundle = nullptr;
+    test::BuiltBundle* bundle = nullptr;
     CGrafPtr port = nullptr;
     SInt64 now = 0;
     std::array<SInt32, kLiveObjectKinds> before{};

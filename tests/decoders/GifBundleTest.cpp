@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // The GIF bundle on disk, as a host finds it.
-#include "src/plugin/VornPluginABI.h"
 #include "tests/decoders/GifBuilder.h"
 #include "tests/support/ArrivalHost.h"
-#include "tests/support/TestBundle.h"
+#include "tests/support/BuiltBundle.h"
 
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -17,30 +15,12 @@ namespace
 class GifBundle : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        ASSERT_NE(bundle_, nullptr) << VORN_GIF_BUNDLE;
-        code_ = dlopen(VORN_GIF_BUNDLE "/Contents/Linux/VornGIF.so", RTLD_NOW | RTLD_LOCAL);
-        ASSERT_NE(code_, nullptr) << dlerror();
-    }
-    void TearDown() override
-    {
-        CFRelease(bundle_);
-        dlclose(code_);
-    }
-    template <class Function>
-    Function* Find(Function&, const char* name) const
-    {
-        return reinterpret_cast<Function*>(dlsym(code_, name));
-    }
     bool CanHandle(const std::string& bytes, const char* mimeType, const char* name) const
     {
-        auto* const ask = Find(VornPluginCanHandleData, "VornPluginCanHandleData");
-        return ask(bundle_, bytes.data(), static_cast<SInt32>(bytes.size()), mimeType, name) != 0;
+        return bundle_.CanHandle({bytes.begin(), bytes.end()}, mimeType, name);
     }
 
-    CFBundleRef bundle_ = test::OpenBundle(VORN_GIF_BUNDLE);
-    void* code_ = nullptr;
+    const test::BuiltBundle bundle_{"VornGIF"};
 };
 
 } // namespace
@@ -87,11 +67,11 @@ TEST_F(GifBundle, DecodesForAHostThatKnowsOnlyItsFunctions)
     host.object.assign(file.begin(), file.end());
     host.arrivals = {static_cast<SInt32>(file.size())};
     VornPlugin* object = nullptr;
-    ASSERT_EQ(Find(VornPluginMakeNewObject, "VornPluginMakeNewObject")(
-                  bundle_, &host.Calls(), 0, 0, "red.gif", "image/gif", &object),
-              0);
-    EXPECT_EQ(Find(VornPluginDecodeObject, "VornPluginDecodeObject")(object), 0);
-    Find(VornPluginFreeObject, "VornPluginFreeObject")(object);
+    ASSERT_EQ(
+        bundle_.makeNewObject(bundle_.bundle, &host.Calls(), 0, 0, "red.gif", "image/gif", &object),
+        0);
+    EXPECT_EQ(bundle_.decodeObject(object), 0);
+    bundle_.freeObject(object);
     EXPECT_EQ(host.told.front(), "gotRect 0,0,5,7");
     EXPECT_EQ(host.told.back(), "renderingDone 0");
 }

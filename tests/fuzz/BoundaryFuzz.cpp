@@ -23,7 +23,7 @@ constexpr size_t kMostObjects = 4;
 constexpr int kMostSteps = 80;
 
 struct Kind {
-    AnyBundle bundle;
+    test::BuiltBundle bundle;
     FuzzInput file;
     bool mayFail = true;
 };
@@ -50,11 +50,12 @@ FuzzInput AnimatedGif()
 const Kind& AnyKind(Decisions& decisions)
 {
     static const Kind kinds[] = {
-        {AnyBundle("VornMovie"), BytesOf(ReadWholeFile(VORN_CLIPS "/tiny.mpg")), false},
-        {AnyBundle("VornGIF"), AnimatedGif()},
-        {AnyBundle("VornPNG"),
+        {test::BuiltBundle("VornMovie"), BytesOf(ReadWholeFile(VORN_CLIPS "/tiny.mpg")), false},
+        {test::BuiltBundle("VornGIF"), AnimatedGif()},
+        {test::BuiltBundle("VornPNG"),
          test::WritePng({.width = 9, .height = 8, .colorType = PNG_COLOR_TYPE_RGBA})},
-        {AnyBundle("VornJPEG"), test::WriteJpeg({.width = 17, .height = 9, .isProgressive = true})},
+        {test::BuiltBundle("VornJPEG"),
+         test::WriteJpeg({.width = 17, .height = 9, .isProgressive = true})},
     };
     return kinds[decisions.Below(std::size(kinds))];
 }

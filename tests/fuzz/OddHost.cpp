@@ -30,7 +30,7 @@ void RequireDocumented(OSErr result)
     Require(result <= 0 || std::ranges::count(kOwn, result) == 1, "the result is documented");
 }
 
-OddObject::OddObject(const AnyBundle& ownBundle, std::vector<UInt8> bytes, bool mayFail,
+OddObject::OddObject(const test::BuiltBundle& ownBundle, std::vector<UInt8> bytes, bool mayFail,
                      Decisions& decisions)
     : bundle_(ownBundle), bytes_(std::move(bytes)), mayFail_(mayFail), decisions_(decisions)
 {

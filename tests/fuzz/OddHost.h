@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/fuzz/AnyBundle.h"
 #include "tests/fuzz/Decisions.h"
+#include "tests/support/BuiltBundle.h"
 #include "toolbox/quickdraw/QuickDraw.h"
 #include "toolbox/threads/Threads.h"
 
@@ -15,14 +15,14 @@ class OddObject
 {
 public:
     // Its bytes end in a failure now and then if it may: a movie's spool file stays open after one.
-    OddObject(const AnyBundle& ownBundle, std::vector<UInt8> bytes, bool mayFail,
+    OddObject(const test::BuiltBundle& ownBundle, std::vector<UInt8> bytes, bool mayFail,
               Decisions& decisions);
     // No more bytes, decoding returns, the object is freed.
     ~OddObject();
     OddObject(const OddObject&) = delete;
     OddObject& operator=(const OddObject&) = delete;
 
-    const AnyBundle& Bundle() const { return bundle_; }
+    const test::BuiltBundle& Bundle() const { return bundle_; }
     VornPlugin* Get() const { return object_; }
     void Arrive(size_t count) { arrived_ += count; }
     // Begins decoding on a thread of its own, once.
@@ -39,7 +39,7 @@ private:
     bool HasEnded() const { return isCancelled_ || arrived_ >= bytes_.size(); }
     OSErr OddResult();
 
-    const AnyBundle& bundle_;
+    const test::BuiltBundle& bundle_;
     std::vector<UInt8> bytes_;
     bool mayFail_;
     Decisions& decisions_;

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/HostedImage.h"
 
-#include "tests/support/TestBundle.h"
 #include "toolbox/Errors.h"
 #include "toolbox/quickdraw/QDOffscreen.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <dlfcn.h>
 #include <stdexcept>
 
 namespace test
@@ -16,14 +14,6 @@ namespace test
 
 namespace
 {
-
-template <class Function>
-void Resolve(void* library, const char* name, Function& function)
-{
-    function = reinterpret_cast<Function>(dlsym(library, name));
-    if (function == nullptr)
-        throw std::runtime_error(std::string("the bundle lacks ") + name);
-}
 
 int DepthOf(GWorldPtr world)
 {
@@ -94,41 +84,11 @@ int Difference(const Picture& a, const Picture& b)
     return largest;
 }
 
-ImageBundle::ImageBundle(const std::string& name)
+ImageBundle::ImageBundle(const std::string& name) : BuiltBundle(name)
 {
-    const std::string folder = std::string(VORN_PLUGINS "/") + name + ".plugin";
-    bundle = OpenBundle(folder);
-    library = dlopen((folder + "/Contents/Linux/" + name + ".so").c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (bundle == nullptr || library == nullptr)
-        throw std::runtime_error("no bundle in " + folder);
-    Resolve(library, "VornPluginCanHandleData", canHandleData);
-    Resolve(library, "VornPluginMakeNewObject", makeNewObject);
-    Resolve(library, "VornPluginDecodeObject", decodeObject);
-    Resolve(library, "VornPluginDisplayObject", displayObject);
-    Resolve(library, "VornPluginSetObjectDisplayFlags", setDisplayFlags);
-    Resolve(library, "VornPluginGetObjectComment", getComment);
-    Resolve(library, "VornPluginIdleObject", idleObject);
-    Resolve(library, "VornPluginHandleObjectClick", handleClick);
-    Resolve(library, "VornPluginPrepareDrag", prepareDrag);
-    Resolve(library, "VornPluginCleanupDrag", cleanupDrag);
-    Resolve(library, "VornPluginGetObjectData", getObjectData);
-    Resolve(library, "VornPluginFreeObject", freeObject);
-    Resolve(library, "GetFrameGWorld", getFrameGWorld);
-    Resolve(library, "GetFrameMaskGWorld", getFrameMaskGWorld);
-    Resolve(library, "GetImageCurFrame", getCurrentFrame);
-}
-
-ImageBundle::~ImageBundle()
-{
-    CFRelease(bundle);
-    dlclose(library);
-}
-
-bool ImageBundle::CanHandle(const std::vector<UInt8>& bytes, const char* mimeType,
-                            const char* name) const
-{
-    return canHandleData(bundle, bytes.data(), static_cast<SInt32>(bytes.size()), mimeType, name) !=
-           0;
+    Resolve("GetFrameGWorld", getFrameGWorld);
+    Resolve("GetFrameMaskGWorld", getFrameMaskGWorld);
+    Resolve("GetImageCurFrame", getCurrentFrame);
 }
 
 HostedImage::HostedImage(const ImageBundle& ownBundle, std::vector<UInt8> bytes)

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "src/image/ImageFunctions.h"
-#include "src/plugin/VornPluginABI.h"
 #include "tests/support/ArrivalHost.h"
+#include "tests/support/BuiltBundle.h"
 
 #include <string>
 #include <vector>
@@ -31,29 +31,12 @@ int Difference(const Picture& a, const Picture& b);
 
 constexpr UInt32 kWhitePage = 0xFFFFFF;
 
-// A bundle in the build's folder of plug-ins.
-struct ImageBundle {
+// Of an image, with the functions by which what a frame is made of can be seen.
+class ImageBundle : public BuiltBundle
+{
+public:
     explicit ImageBundle(const std::string& name);
-    ~ImageBundle();
-    ImageBundle(const ImageBundle&) = delete;
-    ImageBundle& operator=(const ImageBundle&) = delete;
 
-    bool CanHandle(const std::vector<UInt8>& bytes, const char* mimeType, const char* name) const;
-
-    CFBundleRef bundle = nullptr;
-    void* library = nullptr;
-    decltype(&VornPluginCanHandleData) canHandleData = nullptr;
-    decltype(&VornPluginMakeNewObject) makeNewObject = nullptr;
-    decltype(&VornPluginDecodeObject) decodeObject = nullptr;
-    decltype(&VornPluginDisplayObject) displayObject = nullptr;
-    decltype(&VornPluginSetObjectDisplayFlags) setDisplayFlags = nullptr;
-    decltype(&VornPluginGetObjectComment) getComment = nullptr;
-    decltype(&VornPluginIdleObject) idleObject = nullptr;
-    decltype(&VornPluginHandleObjectClick) handleClick = nullptr;
-    decltype(&VornPluginPrepareDrag) prepareDrag = nullptr;
-    decltype(&VornPluginCleanupDrag) cleanupDrag = nullptr;
-    decltype(&VornPluginGetObjectData) getObjectData = nullptr;
-    decltype(&VornPluginFreeObject) freeObject = nullptr;
     decltype(&GetFrameGWorld) getFrameGWorld = nullptr;
     decltype(&GetFrameMaskGWorld) getFrameMaskGWorld = nullptr;
     decltype(&GetImageCurFrame) getCurrentFrame = nullptr;

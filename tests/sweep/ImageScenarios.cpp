@@ -169,7 +169,7 @@ private:
             clock_.GoToTick(tick * 3);
             TellFirstError("idle", bundle_.idleObject(Object(), &area_, 0));
             const EventRecord event{};
-            clicks_ += bundle_.handleClick(Object(), &area_, &event) != 0 ? 1 : 0;
+            clicks_ += bundle_.handleObjectClick(Object(), &area_, &event) != 0 ? 1 : 0;
         }
         Tell("clicks", clicks_);
         Display();

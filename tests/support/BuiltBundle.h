@@ -1,15 +1,27 @@
 // SPDX-License-Identifier: MIT
+//
+// A bundle in the build's folder of plug-ins, by the names that it exports.
 #pragma once
 
 #include "src/plugin/VornPluginABI.h"
 
 #include <string>
+#include <vector>
 
-// The entry points of a built bundle, by their exported names. It stays loaded.
-struct AnyBundle {
-    explicit AnyBundle(const std::string& name);
-    AnyBundle(const AnyBundle&) = delete;
-    AnyBundle& operator=(const AnyBundle&) = delete;
+namespace test
+{
+
+// Its code stays loaded: what it registered may outlive this. Throws std::runtime_error where the
+// bundle cannot be opened or lacks an entry point.
+class BuiltBundle
+{
+public:
+    explicit BuiltBundle(const std::string& name);
+    ~BuiltBundle();
+    BuiltBundle(const BuiltBundle&) = delete;
+    BuiltBundle& operator=(const BuiltBundle&) = delete;
+
+    bool CanHandle(const std::vector<UInt8>& bytes, const char* mimeType, const char* name) const;
 
     CFBundleRef bundle = nullptr;
     decltype(&VornPluginCanHandleData) canHandleData = nullptr;
@@ -28,4 +40,18 @@ struct AnyBundle {
     decltype(&VornPluginGetObjectRenderingError) getRenderingError = nullptr;
     decltype(&VornPluginGetObjectComment) getComment = nullptr;
     decltype(&VornPluginFreeObject) freeObject = nullptr;
+
+protected:
+    template <class Function>
+    void Resolve(const char* exported, Function& function) const
+    {
+        function = reinterpret_cast<Function>(Find(exported));
+    }
+
+private:
+    void* Find(const char* exported) const;
+
+    void* code_ = nullptr;
 };
+
+} // namespace test
