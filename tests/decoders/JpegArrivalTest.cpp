@@ -2,6 +2,7 @@
 //
 // JPEG images on their way: what shows before the end, and what a host is told.
 #include "tests/decoders/JpegFiles.h"
+#include "tests/support/ImageRules.h"
 #include "tests/support/ManualClock.h"
 #include "tests/support/PictureRows.h"
 
@@ -48,7 +49,7 @@ std::vector<UInt32> TimesOfWholeImages(SInt32 bytes, UInt32 ticks)
 {
     ManualClock clock;
     HostedImage image(Bundle(), LargeFile(true));
-    image.host.arrivals.assign(image.host.object.size() / static_cast<size_t>(bytes) + 1, bytes);
+    image.ArriveInPieces(bytes);
     UInt32 now = 1;
     size_t seen = 0;
     std::vector<UInt32> times;
@@ -84,23 +85,7 @@ TEST(JpegArrival, TellsTheSizeWithTheHeader)
 
 TEST(JpegArrival, DrawsPartiallyTheRowsThatItTellsOf)
 {
-    const Bytes file = LargeFile(false);
-    HostedImage image(Bundle(), file);
-    image.host.arrivals.assign(file.size() / 500 + 2, 500);
-    size_t seen = 0;
-    int bands = 0;
-    image.host.onGetData = [&] {
-        while (seen < image.host.told.size()) {
-            const std::string told = image.host.told[seen++];
-            if (told.compare(0, 12, "decodedChunk") != 0)
-                continue;
-            ++bands;
-            const Picture page = image.Display(kWidth, kHeight, kRedPage, true);
-            EXPECT_EQ(DecodedChunk(DrawnRows(page, kRedPage)), told);
-        }
-    };
-    image.Decode();
-    EXPECT_GT(bands, 5);
+    EXPECT_GT(CountBandsDrawnAsTold(Bundle(), {LargeFile(false), kWidth, kHeight}, 500), 5);
 }
 
 TEST(JpegArrival, ShowsTheFirstScanOfAProgressiveImageRowByRow)
@@ -131,7 +116,7 @@ TEST(JpegArrival, SharpensAProgressiveImageScanByScan)
     size_t seen = 0;
     ManualClock clock;
     UInt32 now = 1;
-    image.host.arrivals.assign(file.size() / 400 + 1, 400);
+    image.ArriveInPieces(400);
     image.host.onGetData = [&] {
         clock.GoToTick(now += 20);
         if (image.host.told.size() == seen)
@@ -184,7 +169,7 @@ TEST(JpegArrival, SkipsWhatIsLongerThanABlock)
     for (int i = 0; i < 3; ++i)
         file.insert(file.begin() + 2, segment.begin(), segment.end());
     HostedImage image(Bundle(), file);
-    image.host.arrivals.assign(file.size() / 500 + 1, 500);
+    image.ArriveInPieces(500);
     EXPECT_EQ(image.Decode(), 0);
     EXPECT_EQ(image.Display(kWidth, kHeight), whole);
 }

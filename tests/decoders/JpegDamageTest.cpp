@@ -2,14 +2,12 @@
 //
 // JPEG files that are cut off, damaged or too large.
 #include "tests/decoders/JpegFiles.h"
+#include "tests/support/ImageRules.h"
 #include "tests/support/MemoryLimit.h"
 #include "tests/support/PictureRows.h"
 #include "toolbox/Errors.h"
-#include "toolbox/probe/Probe.h"
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 namespace test
 {
@@ -81,7 +79,7 @@ TEST(JpegDamage, ShowsTheScansBeforeOneThatCannotBeReadHoweverTheyArrive)
         file[scan + 4] = 9; // components
         for (const SInt32 piece : {100000, 4096, 500}) {
             HostedImage image(Bundle(), file);
-            image.host.arrivals.assign(file.size() / static_cast<size_t>(piece) + 1, piece);
+            image.ArriveInPieces(piece);
             EXPECT_EQ(image.Decode(), kVornErrRenderFailed);
             EXPECT_EQ(image.Display(kSide, kSide), ReadJpeg(before))
                 << "scan " << number << ", " << piece << " bytes at a time";
@@ -183,41 +181,16 @@ TEST(JpegDamage, GivesUpAnEndlessRowOfScans)
 TEST(JpegDamage, SurvivesAnyChange)
 {
     for (const bool isProgressive : {false, true}) {
-        JpegSpec spec = {.isProgressive = isProgressive, .restartInterval = 5, .comment = "text"};
-        const Bytes file = WriteJpeg(spec);
-        int failures = 0;
-        for (unsigned seed = 1; seed <= 300; ++seed) {
-            SCOPED_TRACE("seed " + std::to_string(seed));
-            std::minstd_rand random(seed);
-            Bytes damaged = file;
-            for (int i = 0; i < 5; ++i)
-                damaged[random() % damaged.size()] = static_cast<UInt8>(random());
-            HostedImage image(Bundle(), damaged);
-            const OSErr result = image.Decode();
-            failures += result != 0 ? 1 : 0;
-            if (image.Depth() != 0)
-                image.Display(67, 53);
-            EXPECT_TRUE(result == 0 || result == kVornErrRenderFailed ||
-                        result == kDataNotAvailableErr || result == kVornErrImageFailed ||
-                        result == memFullErr)
-                << result;
-        }
-        EXPECT_GT(failures, 50);
+        const Bytes file =
+            WriteJpeg({.isProgressive = isProgressive, .restartInterval = 5, .comment = "text"});
+        EXPECT_GT(CountFailuresOfChangedFiles(Bundle(), {file, 67, 53}, 5, 300), 50);
     }
 }
 
 TEST(JpegDamage, LeavesNothingBehind)
 {
     const Bytes file = WriteJpeg({.colorSpace = JCS_GRAYSCALE, .sampling = 1});
-    const SInt32 worlds = CountLiveObjects(kLiveGWorlds);
-    const SInt32 handles = CountLiveObjects(kLiveHandles);
-    for (size_t size = 0; size <= file.size(); size += 10) {
-        HostedImage image(Bundle(),
-                          Bytes(file.begin(), file.begin() + static_cast<ptrdiff_t>(size)));
-        image.Decode();
-    }
-    EXPECT_EQ(CountLiveObjects(kLiveGWorlds), worlds);
-    EXPECT_EQ(CountLiveObjects(kLiveHandles), handles);
+    ExpectNothingLeftOfParts(Bundle(), {file, 67, 53}, 10);
 }
 
 TEST(JpegLimits, RefuseAnImageThatNeedsMore)

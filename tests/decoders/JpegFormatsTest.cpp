@@ -2,10 +2,9 @@
 //
 // The kinds of JPEG files, against the library's own full decode.
 #include "tests/decoders/JpegFiles.h"
+#include "tests/support/ImageRules.h"
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 namespace test
 {
@@ -76,23 +75,7 @@ TEST_P(JpegFormats, TakeTheDepthThatHoldsThem)
 
 TEST_P(JpegFormats, EndInTheSamePixelsHoweverTheyArrive)
 {
-    const Bytes file = WriteJpeg(GetParam().spec);
-    HostedImage atOnce(Bundle(), file);
-    atOnce.Decode();
-    const Picture expected = atOnce.Display(67, 53);
-    for (unsigned seed = 0; seed < 8; ++seed) {
-        SCOPED_TRACE("seed " + std::to_string(seed));
-        std::minstd_rand random(seed + 1);
-        HostedImage image(Bundle(), file);
-        image.host.arrivals.clear();
-        for (size_t sum = 0; sum < file.size();) {
-            const SInt32 step = seed == 0 ? 1 : static_cast<SInt32>(random() % 300);
-            image.host.arrivals.push_back(step);
-            sum += static_cast<size_t>(step);
-        }
-        EXPECT_EQ(image.Decode(), 0);
-        EXPECT_EQ(image.Display(67, 53), expected);
-    }
+    ExpectSamePixelsHoweverItArrives(Bundle(), {WriteJpeg(GetParam().spec), 67, 53});
 }
 
 std::string NameOf(const testing::TestParamInfo<Format>& info)

@@ -41,7 +41,7 @@ TEST_P(JpegMedia, EndAsTheLibraryDecodesThem)
     }
     for (const SInt32 step : {16384, 61}) {
         HostedImage image(Bundle(), file);
-        image.host.arrivals.assign(file.size() / static_cast<size_t>(step) + 1, step);
+        image.ArriveInPieces(step);
         const OSErr result = image.Decode();
         if (!failure.empty()) {
             EXPECT_NE(result, 0) << failure;

@@ -2,6 +2,7 @@
 //
 // PNG images on their way: what shows before the end, and what a host is told.
 #include "tests/decoders/PngFiles.h"
+#include "tests/support/ImageRules.h"
 #include "tests/support/PictureRows.h"
 
 #include <gtest/gtest.h>
@@ -43,23 +44,7 @@ TEST(PngArrival, TellsTheSizeWithTheHeader)
 
 TEST(PngArrival, DrawsPartiallyTheRowsThatItTellsOf)
 {
-    const Bytes file = WritePng(LargeSpec());
-    HostedImage image(Bundle(), file);
-    image.host.arrivals.assign(file.size() / 5000 + 2, 5000);
-    size_t seen = 0;
-    int bands = 0;
-    image.host.onGetData = [&] {
-        while (seen < image.host.told.size()) {
-            const std::string told = image.host.told[seen++];
-            if (told.compare(0, 12, "decodedChunk") != 0)
-                continue;
-            ++bands;
-            const Picture page = image.Display(kWidth, kHeight, kRedPage, true);
-            EXPECT_EQ(DecodedChunk(DrawnRows(page, kRedPage)), told);
-        }
-    };
-    image.Decode();
-    EXPECT_GT(bands, 5);
+    EXPECT_GT(CountBandsDrawnAsTold(Bundle(), {WritePng(LargeSpec()), kWidth, kHeight}, 5000), 5);
 }
 
 TEST(PngArrival, DrawsPartiallyNothingAgain)

@@ -2,14 +2,12 @@
 //
 // PNG files that are cut off, damaged or too large.
 #include "tests/decoders/PngFiles.h"
+#include "tests/support/ImageRules.h"
 #include "tests/support/MemoryLimit.h"
 #include "tests/support/PictureRows.h"
 #include "toolbox/Errors.h"
-#include "toolbox/probe/Probe.h"
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 namespace test
 {
@@ -123,40 +121,14 @@ TEST(PngDamage, SurvivesAnyChange)
     spec.hasTransparency = true;
     spec.isInterlaced = true;
     spec.texts = {{"Comment", "text"}};
-    const Bytes file = WritePng(spec);
-    int failures = 0;
-    for (unsigned seed = 1; seed <= 400; ++seed) {
-        SCOPED_TRACE("seed " + std::to_string(seed));
-        std::minstd_rand random(seed);
-        Bytes damaged = file;
-        for (int i = 0; i < 3; ++i)
-            damaged[random() % damaged.size()] = static_cast<UInt8>(random());
-        HostedImage image(Bundle(), damaged);
-        const OSErr result = image.Decode();
-        failures += result != 0 ? 1 : 0;
-        if (image.Depth() != 0)
-            image.Display(37, 29);
-        EXPECT_TRUE(result == 0 || result == kVornErrRenderFailed ||
-                    result == kDataNotAvailableErr || result == kVornErrImageFailed ||
-                    result == memFullErr)
-            << result;
-    }
-    EXPECT_GT(failures, 100);
+    EXPECT_GT(CountFailuresOfChangedFiles(Bundle(), {WritePng(spec), 37, 29}, 3, 400), 100);
 }
 
 TEST(PngDamage, LeavesNothingBehind)
 {
     PngSpec spec;
     spec.colorType = PNG_COLOR_TYPE_PALETTE;
-    const Bytes file = WritePng(spec);
-    const SInt32 worlds = CountLiveObjects(kLiveGWorlds);
-    const SInt32 handles = CountLiveObjects(kLiveHandles);
-    for (size_t size = 0; size <= file.size(); size += 10) {
-        HostedImage image(Bundle(), Bytes(file.begin(), file.begin() + ptrdiff_t(size)));
-        image.Decode();
-    }
-    EXPECT_EQ(CountLiveObjects(kLiveGWorlds), worlds);
-    EXPECT_EQ(CountLiveObjects(kLiveHandles), handles);
+    ExpectNothingLeftOfParts(Bundle(), {WritePng(spec), 37, 29}, 10);
 }
 
 TEST(PngLimits, RefuseAnImageThatNeedsMore)

@@ -2,10 +2,9 @@
 //
 // Every kind of pixel that a PNG file may have, against the library's own full decode.
 #include "tests/decoders/PngFiles.h"
+#include "tests/support/ImageRules.h"
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 namespace test
 {
@@ -87,23 +86,7 @@ TEST_P(PngFormats, TakeTheDepthThatHoldsThem)
 
 TEST_P(PngFormats, EndInTheSamePixelsHoweverTheyArrive)
 {
-    const Bytes file = WritePng(Spec());
-    HostedImage atOnce(Bundle(), file);
-    atOnce.Decode();
-    const Picture expected = atOnce.Display(37, 29);
-    for (unsigned seed = 0; seed < 8; ++seed) {
-        SCOPED_TRACE("seed " + std::to_string(seed));
-        std::minstd_rand random(seed + 1);
-        HostedImage image(Bundle(), file);
-        image.host.arrivals.clear();
-        for (size_t sum = 0; sum < file.size();) {
-            const SInt32 step = seed == 0 ? 1 : static_cast<SInt32>(random() % 300);
-            image.host.arrivals.push_back(step);
-            sum += static_cast<size_t>(step);
-        }
-        EXPECT_EQ(image.Decode(), 0);
-        EXPECT_EQ(image.Display(37, 29), expected);
-    }
+    ExpectSamePixelsHoweverItArrives(Bundle(), {WritePng(Spec()), 37, 29});
 }
 
 std::string NameOf(const testing::TestParamInfo<std::tuple<Format, bool>>& info)

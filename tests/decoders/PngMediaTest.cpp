@@ -39,7 +39,7 @@ TEST_P(PngMedia, EndAsTheLibraryDecodesThem)
     }
     for (const SInt32 step : {16384, 61}) {
         HostedImage image(Bundle(), file);
-        image.host.arrivals.assign(file.size() / static_cast<size_t>(step) + 1, step);
+        image.ArriveInPieces(step);
         const OSErr result = image.Decode();
         // The sum behind the last pixel says nothing about a pixel.
         if (failure != "IDAT: incorrect data check") {

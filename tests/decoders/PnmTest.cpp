@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // The example decoder of docs/writing-a-decoder.md, as a bundle.
-#include "tests/support/HostedImage.h"
+#include "tests/support/ImageRules.h"
 #include "tests/support/MemoryLimit.h"
 #include "tests/support/PictureRows.h"
 #include "toolbox/Errors.h"
-#include "toolbox/probe/Probe.h"
 
 #include <gtest/gtest.h>
 
@@ -59,18 +58,13 @@ Pnm MakePnm(bool isColor, SInt32 width, SInt32 height)
     return pnm;
 }
 
-void ArriveInPieces(HostedImage& image, SInt32 size)
-{
-    image.host.arrivals.assign(image.host.object.size() / static_cast<size_t>(size) + 1, size);
-}
-
 TEST(PnmDecoding, ShowsEveryPixelHoweverTheBytesArrive)
 {
     for (const bool isColor : {true, false}) {
         const Pnm pnm = MakePnm(isColor, 61, 97);
         for (const SInt32 piece : {1, 2, 7, 60, 61, 183, 4096, 100000}) {
             HostedImage image(Bundle(), pnm.file);
-            ArriveInPieces(image, piece);
+            image.ArriveInPieces(piece);
             EXPECT_EQ(image.Decode(), 0);
             EXPECT_EQ(image.Display(61, 97), pnm.picture) << piece << " bytes at a time";
         }
@@ -149,7 +143,7 @@ TEST(PnmArrival, DrawsPartiallyTheRowsThatItTellsOf)
 TEST(PnmArrival, TellsOfEveryRowOnce)
 {
     HostedImage image(Bundle(), MakePnm(false, 50, 200).file);
-    ArriveInPieces(image, 1000);
+    image.ArriveInPieces(1000);
     image.Decode();
     int next = 0;
     for (const std::string& told : image.host.told) {
@@ -180,7 +174,7 @@ TEST(PnmDamage, KeepsTheRowsBeforeAFailureOfTheHost)
 {
     const Pnm pnm = MakePnm(true, 100, 100);
     HostedImage image(Bundle(), pnm.file);
-    ArriveInPieces(image, 5000);
+    image.ArriveInPieces(5000);
     image.host.onGetData = [&image] {
         if (image.WasTold("decodedChunk"))
             image.host.failure = ioErr;
@@ -215,17 +209,8 @@ TEST(PnmDamage, RefusesWhatItCannotShow)
 
 TEST(PnmDamage, LeavesNothingBehind)
 {
-    const SInt32 worlds = CountLiveObjects(kLiveGWorlds);
-    const SInt32 handles = CountLiveObjects(kLiveHandles);
-    for (const bool isColor : {true, false}) {
-        const Pnm pnm = MakePnm(isColor, 4, 4);
-        for (ptrdiff_t size = 0; size <= static_cast<ptrdiff_t>(pnm.file.size()); ++size) {
-            HostedImage image(Bundle(), Bytes(pnm.file.begin(), pnm.file.begin() + size));
-            image.Decode();
-        }
-    }
-    EXPECT_EQ(CountLiveObjects(kLiveGWorlds), worlds);
-    EXPECT_EQ(CountLiveObjects(kLiveHandles), handles);
+    for (const bool isColor : {true, false})
+        ExpectNothingLeftOfParts(Bundle(), {MakePnm(isColor, 4, 4).file, 4, 4}, 1);
 }
 
 TEST(PnmLimits, TakeWhatIsAllowedAndNoMore)

@@ -107,6 +107,11 @@ HostedImage::~HostedImage()
     bundle_.freeObject(object_);
 }
 
+void HostedImage::ArriveInPieces(SInt32 size)
+{
+    host.arrivals.assign(host.object.size() / static_cast<size_t>(size) + 1, size);
+}
+
 Picture HostedImage::Display(SInt32 width, SInt32 height, UInt32 paper, bool partial)
 {
     const Page page(width, height, paper);

@@ -46,12 +46,15 @@ public:
 class HostedImage
 {
 public:
-    // All bytes are there when first asked for, unless the host's plan is changed.
+    // All bytes are there when first asked for, unless they are to arrive in pieces or the host's
+    // plan is changed.
     HostedImage(const ImageBundle& ownBundle, std::vector<UInt8> bytes);
     ~HostedImage();
     HostedImage(const HostedImage&) = delete;
     HostedImage& operator=(const HostedImage&) = delete;
 
+    // So many bytes more at each of the object's requests.
+    void ArriveInPieces(SInt32 size);
     OSErr Decode() { return bundle_.decodeObject(object_); }
     // What the page shows when the object has been displayed on `paper`, a page of that size and
     // colour; only its new rows if `partial`.
