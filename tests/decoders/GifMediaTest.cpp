@@ -3,12 +3,12 @@
 // GIF files that nobody here made: every one below the folder that VORN_TEST_MEDIA names.
 #include "tests/decoders/GifTest.h"
 #include "tests/support/AnimationModel.h"
+#include "tests/support/MediaFiles.h"
 #include "toolbox/Errors.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <memory>
 
@@ -53,32 +53,10 @@ const std::map<std::string, const char*> kShownOnlyHere = {
     {"wuffs_empty-palette", "it refuses an image without colours"},
 };
 
-std::vector<std::string> FindGifs()
-{
-    const char* const folder = std::getenv("VORN_TEST_MEDIA");
-    std::vector<std::string> found;
-    if (folder == nullptr || *folder == '\0')
-        return {""};
-    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.path().extension() == ".gif")
-            found.push_back(entry.path().string());
-    }
-    std::sort(found.begin(), found.end());
-    return found;
-}
-
-std::string NameOf(const testing::TestParamInfo<std::string>& info)
-{
-    std::string name = info.param.empty() ? "None" : fs::path(info.param).stem().string();
-    for (char& character : name)
-        character = std::isalnum(static_cast<unsigned char>(character)) != 0 ? character : '_';
-    return name + "_" + std::to_string(info.index);
-}
-
 std::string Contents(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    const std::vector<UInt8> bytes = ReadMediaFile(path);
+    return {bytes.begin(), bytes.end()};
 }
 
 Color15 To15(UInt32 color)
@@ -252,4 +230,4 @@ TEST_P(GifMedia, ShowsWhatAnotherDecoderShows)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, GifMedia, testing::ValuesIn(FindGifs()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Files, GifMedia, testing::ValuesIn(MediaFiles({".gif"})), MediaFileName);
