@@ -6,10 +6,10 @@
 // libpng and libjpeg-turbo decoding the same file from memory into a fresh buffer of the same
 // depth. Both in turn; prints medians, also of the ratio. Exit status 1 if a ratio is above its
 // gate.
+#include "bench/ImageBundle.h"
 #include "bench/Medians.h"
-#include "src/plugin/VornPluginABI.h"
+#include "bench/ProcessorTime.h"
 
-#include <dlfcn.h>
 #include <malloc.h>
 #include <png.h>
 
@@ -17,8 +17,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
-#include <functional>
 #include <jpeglib.h>
 #include <memory>
 #include <random>
@@ -32,89 +30,6 @@ using Bytes = std::vector<UInt8>;
 
 constexpr UInt32 kWidth = 1920;
 constexpr UInt32 kHeight = 1080;
-constexpr SInt32 kPiece = 4096;
-
-const Bytes* gFile;
-
-// Of the processor, so that a machine with other things to do measures the same.
-double Milliseconds(const std::function<void()>& work)
-{
-    const auto now = [] {
-        timespec time{};
-        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-    };
-    const double start = now();
-    work();
-    return now() - start;
-}
-
-OSErr IgnoreRect(VornPlugin*, const Rect*)
-{
-    return 0;
-}
-OSErr IgnoreError(VornPlugin*, OSErr)
-{
-    return 0;
-}
-OSErr IgnoreRows(VornPlugin*, SInt16, SInt16)
-{
-    return 0;
-}
-
-OSErr CopyPiece(VornPlugin*, void* buffer, SInt32 offset, SInt32* count, SInt32* dataSize,
-                unsigned char* dataComplete)
-{
-    const auto size = static_cast<SInt32>(gFile->size());
-    *dataSize = size;
-    *dataComplete = 1;
-    *count = std::clamp(size - offset, 0, std::min(*count, kPiece));
-    if (buffer != nullptr && *count > 0)
-        std::memcpy(buffer, gFile->data() + offset, static_cast<size_t>(*count));
-    return *count > 0 || buffer == nullptr ? OSErr{0} : OSErr{kDataNotAvailableErr};
-}
-
-OSErr TellSize(VornPlugin*, SInt32* bytes)
-{
-    *bytes = static_cast<SInt32>(gFile->size());
-    return 0;
-}
-
-constexpr VornPluginHostCalls kHost = {IgnoreRect, IgnoreError, IgnoreRows, CopyPiece, TellSize};
-
-class Bundle
-{
-public:
-    Bundle(const std::string& plugins, const std::string& name)
-    {
-        const std::string folder = plugins + "/" + name + ".plugin";
-        const CFURLRef url = CFURLCreateFromFileSystemRepresentation(
-            nullptr, reinterpret_cast<const UInt8*>(folder.data()),
-            static_cast<CFIndex>(folder.size()), 1);
-        bundle_ = CFBundleCreate(nullptr, url);
-        CFRelease(url);
-        void* const code = dlopen((folder + "/Contents/Linux/" + name + ".so").c_str(), RTLD_NOW);
-        if (bundle_ == nullptr || code == nullptr)
-            throw std::runtime_error("no bundle in " + folder);
-        make_ = reinterpret_cast<decltype(make_)>(dlsym(code, "VornPluginMakeNewObject"));
-        decode_ = reinterpret_cast<decltype(decode_)>(dlsym(code, "VornPluginDecodeObject"));
-        free_ = reinterpret_cast<decltype(free_)>(dlsym(code, "VornPluginFreeObject"));
-    }
-
-    void Decode() const
-    {
-        VornPlugin* object = nullptr;
-        if (make_(bundle_, &kHost, 0, 0, "", "", &object) != 0 || decode_(object) != 0)
-            throw std::runtime_error("the bundle fails");
-        free_(object);
-    }
-
-private:
-    CFBundleRef bundle_;
-    decltype(&VornPluginMakeNewObject) make_;
-    decltype(&VornPluginDecodeObject) decode_;
-    decltype(&VornPluginFreeObject) free_;
-};
 
 // Soft hills with the noise of a camera, so that a file has the size of a photograph's.
 Bytes Samples(int components)
@@ -260,16 +175,15 @@ void DecodeJpeg(const Bytes& bytes)
 }
 
 // `gate` 0: none.
-bool Compare(const char* name, const Bundle& bundle, const Bytes& file,
+bool Compare(const char* name, const ImageBundle& bundle, const Bytes& file,
              void (*library)(const Bytes&), int runs, double gate)
 {
-    gFile = &file;
     std::vector<double> ours;
     std::vector<double> theirs;
     std::vector<double> ratios;
     for (int run = 0; run < runs; ++run) {
-        theirs.push_back(Milliseconds([&] { library(file); }));
-        ours.push_back(Milliseconds([&] { bundle.Decode(); }));
+        theirs.push_back(1e3 * ProcessorSeconds([&] { library(file); }));
+        ours.push_back(1e3 * ProcessorSeconds([&] { bundle.Decode(file); }));
         ratios.push_back(ours.back() / theirs.back());
     }
     const double ratio = MedianOf(ratios);
@@ -286,8 +200,8 @@ bool CompareAll(const std::string& plugins, int runs, bool isGated)
 {
     const double pngGate = isGated ? 1.05 : 0;
     const double jpegGate = isGated ? 1.1 : 0;
-    const Bundle png(plugins, "VornPNG");
-    const Bundle jpeg(plugins, "VornJPEG");
+    const ImageBundle png(plugins, "VornPNG");
+    const ImageBundle jpeg(plugins, "VornJPEG");
     bool holds = true;
     for (const PngKind& kind : {PngKind{"PNG RGB", PNG_COLOR_TYPE_RGB, 3, false},
                                 {"PNG palette", PNG_COLOR_TYPE_PALETTE, 1, false},

@@ -8,19 +8,16 @@
 // medians in frames a second of the processor, and what a process of each needs at most beyond one
 // that only has the file and the page. Exit status 1 if the ratio is below GATE.
 #include "bench/Command.h"
+#include "bench/ImageBundle.h"
 #include "bench/Medians.h"
+#include "bench/ProcessorTime.h"
 #include "src/image/ImageFunctions.h"
 #include "toolbox/events/Events.h"
 #include "toolbox/quickdraw/QuickDraw.h"
 
-#include <dlfcn.h>
-
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <ctime>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -37,7 +34,6 @@ using Bytes = std::vector<UInt8>;
 constexpr SInt16 kWidth = 320;
 constexpr SInt16 kHeight = 240;
 constexpr SInt16 kFrames = 200;
-constexpr SInt32 kPiece = 4096;
 constexpr double kMemoryGoal = 4; // MB beside the frames
 
 Bytes gFile;
@@ -49,51 +45,6 @@ void Require(bool holds, const char* what)
         throw std::runtime_error(what);
 }
 
-// Of the processor, so that a machine with other things to do measures the same.
-double Seconds(const std::function<void()>& work)
-{
-    const auto now = [] {
-        timespec time{};
-        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
-    };
-    const double start = now();
-    work();
-    return now() - start;
-}
-
-OSErr IgnoreRect(VornPlugin*, const Rect*)
-{
-    return 0;
-}
-OSErr IgnoreError(VornPlugin*, OSErr)
-{
-    return 0;
-}
-OSErr IgnoreRows(VornPlugin*, SInt16, SInt16)
-{
-    return 0;
-}
-
-OSErr CopyPiece(VornPlugin*, void* buffer, SInt32 offset, SInt32* count, SInt32* dataSize,
-                unsigned char* dataComplete)
-{
-    const auto size = static_cast<SInt32>(gFile.size());
-    *dataSize = size;
-    *dataComplete = 1;
-    *count = std::clamp(size - offset, 0, std::min(*count, kPiece));
-    if (buffer != nullptr && *count > 0)
-        std::memcpy(buffer, gFile.data() + offset, static_cast<size_t>(*count));
-    return *count > 0 || buffer == nullptr ? OSErr{0} : OSErr{kDataNotAvailableErr};
-}
-
-OSErr TellSize(VornPlugin*, SInt32* bytes)
-{
-    *bytes = static_cast<SInt32>(gFile.size());
-    return 0;
-}
-
-constexpr VornPluginHostCalls kHost = {IgnoreRect, IgnoreError, IgnoreRows, CopyPiece, TellSize};
 constexpr Rect kPage = {0, 0, kHeight, kWidth};
 
 SInt64 ReadClock(void*)
@@ -101,25 +52,14 @@ SInt64 ReadClock(void*)
     return gMicroseconds;
 }
 
-// The GIF bundle by its exported names, and a window's port that its objects are drawn on.
-class Bundle
+// The GIF bundle, and a window's port that its objects are drawn on.
+class GifBundle : public ImageBundle
 {
 public:
-    explicit Bundle(const std::string& plugins)
+    explicit GifBundle(const std::string& plugins) : ImageBundle(plugins, "VornGIF")
     {
-        const std::string folder = plugins + "/VornGIF.plugin";
-        const CFURLRef url = CFURLCreateFromFileSystemRepresentation(
-            nullptr, reinterpret_cast<const UInt8*>(folder.data()),
-            static_cast<CFIndex>(folder.size()), 1);
-        bundle_ = CFBundleCreate(nullptr, url);
-        CFRelease(url);
-        code_ = dlopen((folder + "/Contents/Linux/VornGIF.so").c_str(), RTLD_NOW);
-        Require(bundle_ != nullptr && code_ != nullptr, "there is no GIF bundle");
-        Resolve("VornPluginMakeNewObject", make_);
-        Resolve("VornPluginDecodeObject", decode_);
         Resolve("VornPluginDisplayObject", display_);
         Resolve("VornPluginIdleObject", idle_);
-        Resolve("VornPluginFreeObject", free_);
         Resolve("GetImageCurFrame", currentFrame_);
         Resolve("GetFrameGWorld", frame_);
         Resolve("GetFrameMaskGWorld", mask_);
@@ -132,7 +72,7 @@ public:
     void Animate() const
     {
         constexpr SInt64 kLongerThanAFrame = 1000000;
-        const Object object = Decode();
+        const Object object = Decode(gFile);
         Require(display_(object.get(), &kPage, 0) == 0, "the bundle does not display");
         for (int drawn = 1; drawn < kFrames; ++drawn) {
             gMicroseconds += kLongerThanAFrame;
@@ -144,7 +84,7 @@ public:
     // What the pixels of all frames and masks take.
     double FrameMegabytes() const
     {
-        const Object object = Decode();
+        const Object object = Decode(gFile);
         double bytes = 0;
         for (SInt16 i = 0; i < kFrames; ++i)
             bytes += BytesOf(frame_(object.get(), i)) + BytesOf(mask_(object.get(), i));
@@ -152,24 +92,6 @@ public:
     }
 
 private:
-    using Object = std::unique_ptr<VornPlugin, decltype(&VornPluginFreeObject)>;
-
-    template <class Function>
-    void Resolve(const char* name, Function& function)
-    {
-        function = reinterpret_cast<Function>(dlsym(code_, name));
-        Require(function != nullptr, name);
-    }
-
-    Object Decode() const
-    {
-        VornPlugin* made = nullptr;
-        Require(make_(bundle_, &kHost, 0, 0, "", "image/gif", &made) == 0, "no object is made");
-        Object object(made, free_);
-        Require(decode_(made) == 0, "the bundle does not decode");
-        return object;
-    }
-
     static double BytesOf(GWorldPtr world)
     {
         if (world == nullptr)
@@ -178,13 +100,8 @@ private:
         return static_cast<double>(GetPixRowBytes(map)) * ((*map)->bounds.bottom);
     }
 
-    CFBundleRef bundle_ = nullptr;
-    void* code_ = nullptr;
-    decltype(&VornPluginMakeNewObject) make_ = nullptr;
-    decltype(&VornPluginDecodeObject) decode_ = nullptr;
     decltype(&VornPluginDisplayObject) display_ = nullptr;
     decltype(&VornPluginIdleObject) idle_ = nullptr;
-    decltype(&VornPluginFreeObject) free_ = nullptr;
     decltype(&GetImageCurFrame) currentFrame_ = nullptr;
     decltype(&GetFrameGWorld) frame_ = nullptr;
     decltype(&GetFrameMaskGWorld) mask_ = nullptr;
@@ -198,17 +115,18 @@ struct Unref {
     void operator()(gpointer object) const { g_object_unref(object); }
 };
 
+// clang-format off: its macro is not taken for a statement
 G_GNUC_BEGIN_IGNORE_DEPRECATIONS // its clock has no other type
-                                 // Its pixels are copied to a page as they are, which is the least
-                                 // that a viewer does.
+    // clang-format on
+    // Its pixels are copied to a page as they are, which is the least that a viewer does.
     void
     AnimateWithLibrary()
 {
     const std::unique_ptr<GdkPixbuf, Unref> page(
         gdk_pixbuf_new(GDK_COLORSPACE_RGB, TRUE, 8, kWidth, kHeight));
     const std::unique_ptr<GdkPixbufLoader, Unref> loader(gdk_pixbuf_loader_new());
-    for (size_t at = 0; at < gFile.size(); at += kPiece) {
-        const size_t count = std::min<size_t>(kPiece, gFile.size() - at);
+    for (size_t at = 0; at < gFile.size(); at += ImageBundle::kPiece) {
+        const size_t count = std::min<size_t>(ImageBundle::kPiece, gFile.size() - at);
         Require(gdk_pixbuf_loader_write(loader.get(), gFile.data() + at, count, nullptr),
                 "gdk-pixbuf does not load");
     }
@@ -268,7 +186,7 @@ double PeakMegabytes(const Arguments& arguments, const char* side)
 
 void RunOnce(const std::string& plugins, const std::string& side, const std::string& file)
 {
-    const Bundle bundle(plugins);
+    const GifBundle bundle(plugins);
     ReadFile(file);
     if (side == "bundle")
         bundle.Animate();
@@ -294,14 +212,14 @@ void ReportMemory(const Arguments& arguments, const Peaks& peaks, double frames)
                 ours <= most ? "ok" : "MISSED");
 }
 
-bool ReportSpeed(const Arguments& arguments, const Bundle& bundle)
+bool ReportSpeed(const Arguments& arguments, const GifBundle& bundle)
 {
     std::vector<double> ours;
     std::vector<double> theirs;
     std::vector<double> ratios;
     for (int run = 0; run < arguments.runs; ++run) {
-        theirs.push_back(kFrames / Seconds(AnimateWithLibrary));
-        ours.push_back(kFrames / Seconds([&] { bundle.Animate(); }));
+        theirs.push_back(kFrames / ProcessorSeconds(AnimateWithLibrary));
+        ours.push_back(kFrames / ProcessorSeconds([&] { bundle.Animate(); }));
         ratios.push_back(ours.back() / theirs.back());
     }
     std::printf("%-20s speed   bundle %7.0f fps", arguments.name.c_str(), MedianOf(ours));
@@ -324,7 +242,7 @@ bool Run(const Arguments& arguments)
     // First, while this process is small: its size counts as that of what it starts.
     const Peaks peaks = {PeakMegabytes(arguments, "neither"), PeakMegabytes(arguments, "bundle"),
                          PeakMegabytes(arguments, "library")};
-    const Bundle bundle(arguments.plugins);
+    const GifBundle bundle(arguments.plugins);
     ReadFile(arguments.file);
     const bool holds = ReportSpeed(arguments, bundle);
     ReportMemory(arguments, peaks, bundle.FrameMegabytes());

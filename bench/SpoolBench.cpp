@@ -8,6 +8,7 @@
 // and the bundle's ratio to each. Exit status 1 if a ratio is below its GATE.
 #include "bench/Command.h"
 #include "bench/Medians.h"
+#include "bench/QuietHost.h"
 #include "bench/RepeatedBytes.h"
 #include "toolbox/quickdraw/QuickDraw.h"
 #include "toolbox/threads/Threads.h"
@@ -32,19 +33,6 @@ constexpr Rect kPage = {0, 0, 480, 640};
 
 const RepeatedBytes* gBytes;
 SInt32 gSize;
-
-OSErr IgnoreRect(VornPlugin*, const Rect*)
-{
-    return 0;
-}
-OSErr IgnoreError(VornPlugin*, OSErr)
-{
-    return 0;
-}
-OSErr IgnoreRows(VornPlugin*, SInt16, SInt16)
-{
-    return 0;
-}
 
 OSErr CopyBytes(VornPlugin*, void* buffer, SInt32 offset, SInt32* count, SInt32* dataSize,
                 unsigned char* dataComplete)
