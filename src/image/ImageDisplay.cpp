@@ -96,6 +96,17 @@ void PaintBackground(const VornImagePlugin::TFrame& frame, const Rect& source, C
     Copy(frame.maskGWorld, source, to, target);
 }
 
+// A part of a world in one of its own; null where there is no memory for it.
+OwnedWorld CopyOfPart(GWorldPtr from, const Rect& part, const Rect& bounds,
+                      unsigned char useTempMem)
+{
+    GWorldPtr copy = nullptr;
+    if (MakeGWorld(&bounds, kDeepestDepth, nullptr, useTempMem, &copy) != noErr)
+        return nullptr;
+    Copy(from, part, copy, bounds);
+    return OwnedWorld(copy);
+}
+
 bool RestoresBackground(TDisposalMethod method)
 {
     return method == kDisposalRestoreBackground || method == -1;
@@ -207,13 +218,8 @@ void VornImagePlugin::DisplayAnimatedFrame(const TFrame& frame, const Rect& dest
 
     OwnedWorld saved;
     const Rect saveRect = MovedToOrigin(placed);
-    if (frame.disposalMethod == kDisposalRestorePrevious) {
-        GWorldPtr copy = nullptr;
-        if (MakeGWorld(&saveRect, kDeepestDepth, nullptr, usesTempMem, &copy) == noErr) {
-            saved.reset(copy);
-            Copy(compositeGWorld, placed, copy, saveRect);
-        }
-    }
+    if (frame.disposalMethod == kDisposalRestorePrevious)
+        saved = CopyOfPart(compositeGWorld, placed, saveRect, usesTempMem);
     ColorsForCopying();
     {
         const PixelsStateLock pixels(frame.gworld);
