@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/Page.h"
 
-#include "toolbox/Errors.h"
 #include "toolbox/events/Events.h"
 #include "viewer/Rects.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
-#include <stdexcept>
 
 namespace viewer
 {
@@ -19,32 +16,15 @@ constexpr UInt8 kBackground = 0xFF;
 // Around an object that is shown alone.
 constexpr UInt8 kDarkness = 0x18;
 constexpr UInt8 kPlaceholderFrame = 0xC0;
-constexpr SInt32 kBytesPerPixel = 4;
 // New rows of images are drawn 30 times a second.
 constexpr SInt64 kRowsDrawInterval = 1'000'000 / 30;
 
 } // namespace
 
 Page::Page(SInt16 width, SInt16 height)
-    : width_(width), clip_(NewRgn()), view_{0, 0, height, width}, dirty_(NewRgn())
+    : width_(width), port_(width, height), view_{0, 0, height, width}
 {
-    const Rect bounds = view_;
-    if (clip_ == nullptr || dirty_ == nullptr || CreateWindowPort(&bounds, &port_) != noErr) {
-        DisposeRgn(clip_);
-        DisposeRgn(dirty_);
-        throw std::runtime_error("there is not enough memory for a page of that size");
-    }
-    SetPort(port_);
     shape_ = {width, height};
-}
-
-Page::~Page()
-{
-    objects_.clear();
-    replaced_.clear();
-    DisposeWindowPort(port_);
-    DisposeRgn(clip_);
-    DisposeRgn(dirty_);
 }
 
 EmbeddedObject& Page::Add(std::unique_ptr<EmbeddedObject> object)
@@ -91,7 +71,7 @@ std::vector<EmbeddedObject*> Page::Replace(const EmbeddedObject& object, PageCon
 
 void Page::IdleObjects()
 {
-    NoteOtherDrawing();
+    port_.NoteOtherDrawing();
     const SInt64 now = ToolboxMicroseconds();
     for (const auto& object : objects_) {
         if (object->IsIdleDue(now, IsInView(*object))) {
@@ -102,9 +82,9 @@ void Page::IdleObjects()
 
 void Page::Idle(EmbeddedObject& object, SInt64 now)
 {
-    PreparePort(object.Area());
+    port_.Prepare(object.Area());
     object.Idle();
-    if (TakeDrawing(object.Area())) {
+    if (port_.TakeDrawing(object.Area())) {
         object.NoteDrawing(EmbeddedObject::Drawing::kByItself);
     }
     object.NoteIdle(now, rhythm_);
@@ -128,34 +108,6 @@ std::optional<SInt64> Page::NextTime() const
         }
     }
     return next;
-}
-
-// Movies also draw while threads run.
-void Page::NoteOtherDrawing()
-{
-    if (TakeDirtyRegion(port_, dirty_) == 0) {
-        return;
-    }
-    const SInt32 count = CountRegionRects(dirty_);
-    for (SInt32 i = 0; i < count; ++i) {
-        changes_.Add(GetRegionRect(dirty_, i));
-    }
-}
-
-// What was drawn under that clip, if anything.
-bool Page::TakeDrawing(const Rect& clip)
-{
-    if (TakeDirtyRegion(port_, nullptr) == 0) {
-        return false;
-    }
-    changes_.Add(clip);
-    return true;
-}
-
-std::vector<Rect> Page::TakeChanges()
-{
-    NoteOtherDrawing();
-    return changes_.Take();
 }
 
 void Page::DrawChanges()
@@ -256,10 +208,9 @@ void Page::FitPort()
     if (!grows_) {
         return;
     }
-    Rect bounds{};
-    GetPortBounds(port_, &bounds);
+    const Rect bounds = port_.Bounds();
     const Rect wanted = {0, 0, std::max(shape_.height, contentHeight_), shape_.width};
-    if (EqualRect(&bounds, &wanted) == 0 && ResizeWindowPort(port_, &wanted) == noErr) {
+    if (EqualRect(&bounds, &wanted) == 0 && port_.Resize(wanted)) {
         Wipe({bounds.bottom, 0, wanted.bottom, wanted.right});
         Wipe({0, bounds.right, wanted.bottom, wanted.right});
     }
@@ -289,8 +240,7 @@ void Page::Reshape(const Shape& shape)
     shape_ = shape;
     width_ = shape.width;
     laidOut_ = false;
-    Rect bounds{};
-    Wipe(*GetPortBounds(port_, &bounds));
+    Wipe(port_.Bounds());
     texts_.Forget();
     for (const auto& object : objects_) {
         object->SetArea({});
@@ -300,13 +250,7 @@ void Page::Reshape(const Shape& shape)
 
 void Page::Wipe(const Rect& rect)
 {
-    Fill(rect, shape_.alone == nullptr ? style_.background : kDarkness);
-}
-
-UInt8* Page::PixelsToDraw(const Rect& changed, SInt32& rowBytes)
-{
-    changes_.Add(changed);
-    return GetPortPixels(port_, &rowBytes);
+    port_.Fill(rect, shape_.alone == nullptr ? style_.background : kDarkness);
 }
 
 void Page::MoveObject(EmbeddedObject& object, const Rect& area)
@@ -336,23 +280,22 @@ void Page::DrawNewRows()
 
 void Page::Display(EmbeddedObject& object, const Rect& clip)
 {
-    NoteOtherDrawing();
-    Fill(clip, kBackground);
-    PreparePort(clip);
+    port_.NoteOtherDrawing();
+    port_.Fill(clip, kBackground);
+    port_.Prepare(clip);
     object.Display();
-    if (TakeDrawing(clip)) {
+    if (port_.TakeDrawing(clip)) {
         object.NoteDrawing(EmbeddedObject::Drawing::kAsDisplayed);
     }
 }
 
 Page::Below Page::LookBelow() const
 {
-    Rect bounds{};
-    GetPortBounds(port_, &bounds);
+    const SInt16 end = port_.Bounds().bottom;
     Below below;
     for (const auto& object : objects_) {
         const Rect& area = object->Area();
-        if (object->HasDimensions() && area.top >= bounds.bottom) {
+        if (object->HasDimensions() && area.top >= end) {
             ++below.objects;
             below.bottom = std::max(below.bottom, area.bottom);
         }
@@ -372,10 +315,10 @@ EmbeddedObject* Page::ObjectAt(Point place) const
 
 bool Page::Click(EmbeddedObject& object, const EventRecord& event)
 {
-    NoteOtherDrawing();
-    PreparePort(object.Area());
+    port_.NoteOtherDrawing();
+    port_.Prepare(object.Area());
     const bool taken = object.Click(event);
-    if (TakeDrawing(object.Area())) {
+    if (port_.TakeDrawing(object.Area())) {
         object.NoteDrawing(EmbeddedObject::Drawing::kByItself);
     }
     return taken;
@@ -384,40 +327,17 @@ bool Page::Click(EmbeddedObject& object, const EventRecord& event)
 void Page::FreeObjects()
 {
     for (const auto& object : objects_) {
-        SetPort(port_);
+        SetPort(port_.Get());
         object->Free();
     }
 }
 
-void Page::PreparePort(const Rect& clip)
-{
-    SetPort(port_);
-    RectRgn(clip_, &clip);
-    SetClip(clip_);
-    ForeColor(blackColor);
-    BackColor(whiteColor);
-}
-
-void Page::Fill(const Rect& rect, UInt8 grey)
-{
-    Rect bounds{};
-    const Rect visible = Intersection(rect, *GetPortBounds(port_, &bounds));
-    SInt32 rowBytes = 0;
-    UInt8* const pixels = GetPortPixels(port_, &rowBytes);
-    for (SInt32 v = visible.top; v < visible.bottom && visible.left < visible.right; ++v) {
-        std::memset(pixels + static_cast<ptrdiff_t>(v) * rowBytes +
-                        ptrdiff_t{visible.left} * kBytesPerPixel,
-                    grey, static_cast<size_t>(visible.right - visible.left) * kBytesPerPixel);
-    }
-    changes_.Add(visible);
-}
-
 void Page::DrawPlaceholder(const Rect& area)
 {
-    Fill(area, kPlaceholderFrame);
+    port_.Fill(area, kPlaceholderFrame);
     const Rect inside = {static_cast<SInt16>(area.top + 1), static_cast<SInt16>(area.left + 1),
                          static_cast<SInt16>(area.bottom - 1), static_cast<SInt16>(area.right - 1)};
-    Fill(inside, kBackground);
+    port_.Fill(inside, kBackground);
 }
 
 } // namespace viewer

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "viewer/EmbeddedObject.h"
-#include "viewer/PageChanges.h"
+#include "viewer/PagePort.h"
 #include "viewer/PageTexts.h"
 
 #include <memory>
@@ -27,7 +27,7 @@ public:
     // Throws std::runtime_error if there is no memory for the port.
     Page(SInt16 width, SInt16 height);
     // The objects must have been freed.
-    ~Page();
+    ~Page() = default;
     Page(const Page&) = delete;
     Page& operator=(const Page&) = delete;
 
@@ -41,7 +41,7 @@ public:
     // What stands above, between and below the objects.
     PageTexts& Texts() { return texts_; }
     const PageTexts& Texts() const { return texts_; }
-    CGrafPtr Port() const { return port_; }
+    CGrafPtr Port() const { return port_.Get(); }
 
     // The part of the page that can be seen; all of it if nobody says so. Images elsewhere stand
     // still, movies go on playing.
@@ -55,9 +55,8 @@ public:
     std::optional<SInt64> NextTime() const;
     // Lays the page out again if an object told its size, and draws what is new.
     void DrawChanges();
-    // Where the port has changed since the last call. Nobody but the page takes the port's dirty
-    // region, which does not hold what the page itself draws.
-    std::vector<Rect> TakeChanges();
+    // Where the port has changed since the last call.
+    std::vector<Rect> TakeChanges() { return port_.TakeChanges(); }
     // Notes what came of the round.
     void ObserveObjects();
     // How many objects with a size lie below the page's end, and where the lowest of them ends.
@@ -89,7 +88,11 @@ public:
     int CountLayouts() const { return layouts_; }
     // For what the page shows besides its objects: the port's pixels, of which that part counts as
     // changed.
-    UInt8* PixelsToDraw(const Rect& changed, SInt32& rowBytes);
+    UInt8* PixelsToDraw(const Rect& changed, SInt32& rowBytes)
+    {
+        return port_.PixelsToDraw(changed, rowBytes);
+    }
+    // Gives a part of the page its background again.
     void Wipe(const Rect& rect);
     // The object at a place of the page, null for none.
     EmbeddedObject* ObjectAt(Point place) const;
@@ -107,19 +110,14 @@ private:
     void MoveObject(EmbeddedObject& object, const Rect& area);
     void DrawNewRows();
     void Display(EmbeddedObject& object, const Rect& clip);
-    void PreparePort(const Rect& clip);
-    void Fill(const Rect& rect, UInt8 grey);
     void DrawPlaceholder(const Rect& area);
     void Idle(EmbeddedObject& object, SInt64 now);
     bool IsInView(const EmbeddedObject& object) const;
-    void NoteOtherDrawing();
-    bool TakeDrawing(const Rect& clip);
 
     SInt16 width_;
-    CGrafPtr port_ = nullptr;
-    RgnHandle clip_ = nullptr;
-    std::vector<std::unique_ptr<EmbeddedObject>> objects_;
+    PagePort port_; // outlives the objects
     std::vector<std::unique_ptr<EmbeddedObject>> replaced_;
+    std::vector<std::unique_ptr<EmbeddedObject>> objects_;
     PageTexts texts_;
     bool laidOut_ = false;
     PageStyle style_;
@@ -129,8 +127,6 @@ private:
     SInt16 contentHeight_ = 0;
     Rect view_;
     IdleRhythm::Kind rhythm_ = IdleRhythm::Kind::kEveryTick;
-    PageChanges changes_;
-    RgnHandle dirty_ = nullptr;
     SInt64 nextRowsDraw_ = 0;
 };
 
