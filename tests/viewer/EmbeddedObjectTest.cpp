@@ -2,6 +2,7 @@
 #include "viewer/EmbeddedObject.h"
 
 #include "tests/viewer/FakePlugins.h"
+#include "tests/viewer/NoTime.h"
 #include "tests/viewer/TestFiles.h"
 #include "toolbox/threads/Threads.h"
 #include "viewer/PageClock.h"
@@ -17,12 +18,6 @@ namespace
 using viewer::EmbeddedObject;
 using viewer::FileDescriptor;
 using viewer::ObjectBytes;
-
-class NoTime : public viewer::HostTime
-{
-public:
-    void LetTimePass() override {}
-};
 
 // An object that comes through a pipe.
 class EmbeddedObjectTest : public testing::Test

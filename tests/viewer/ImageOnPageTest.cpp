@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // How the page deals with images, on a bundle that writes it down.
-#include "tests/viewer/TestFiles.h"
-#include "toolbox/threads/Threads.h"
-#include "viewer/Page.h"
-#include "viewer/PageClock.h"
-
-#include <gtest/gtest.h>
+#include "tests/viewer/PageFixture.h"
 
 #include <dlfcn.h>
 
@@ -18,12 +13,6 @@ using viewer::IdleRhythm;
 using viewer::ObjectBytes;
 
 constexpr SInt64 kSecond = 1'000'000;
-
-class NoTime : public viewer::HostTime
-{
-public:
-    void LetTimePass() override {}
-};
 
 // Bytes come at 300 a second, as the clock is moved.
 class ImageOnPage : public testing::Test
@@ -88,12 +77,7 @@ protected:
         }
         return count;
     }
-    int GreyAt(int v, int h) const
-    {
-        SInt32 rowBytes = 0;
-        const UInt8* pixels = GetPortPixels(page.Port(), &rowBytes);
-        return pixels[v * rowBytes + h * 4 + 1];
-    }
+    int GreyAt(int v, int h) const { return GreyOf(page, v, h); }
 
     TestFolder folder;
     NoTime time;

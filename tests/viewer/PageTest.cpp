@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/Page.h"
 
-#include "tests/viewer/FakePlugins.h"
-#include "tests/viewer/TestFiles.h"
-#include "toolbox/threads/Threads.h"
-#include "viewer/PageClock.h"
-
-#include <gtest/gtest.h>
+#include "tests/viewer/PageFixture.h"
 
 namespace
 {
@@ -15,54 +10,8 @@ using viewer::EmbeddedObject;
 using viewer::ObjectBytes;
 using viewer::Page;
 
-class NoTime : public viewer::HostTime
+class PageTest : public PageFixture
 {
-public:
-    void LetTimePass() override {}
-};
-
-class PageTest : public testing::Test
-{
-protected:
-    ~PageTest() override { page.FreeObjects(); }
-
-    // Adds an object that does what its name says.
-    EmbeddedObject& Add(const std::string& name)
-    {
-        const std::string path = folder.Write(name, Pattern(1000));
-        auto bytes =
-            std::make_unique<ObjectBytes>(viewer::OpenSource(path), viewer::ArrivalPace(), time);
-        return page.Add(std::make_unique<EmbeddedObject>(
-            viewer::ObjectDescription{name, name, viewer::ObjectType{"video/x-fake"}, 0x1F},
-            std::move(bytes)));
-    }
-    EmbeddedObject& AddStarted(const std::string& name)
-    {
-        EmbeddedObject& object = Add(name);
-        object.Start(*plugins.Folder().Bundles()[0]);
-        page.DrawChanges();
-        return object;
-    }
-    void RunToEnd()
-    {
-        for (int i = 0; i < 10; ++i) {
-            YieldToAnyThread();
-            page.IdleObjects();
-            page.DrawChanges();
-        }
-    }
-    int GreyAt(int v, int h) const
-    {
-        SInt32 rowBytes = 0;
-        const UInt8* pixels = GetPortPixels(page.Port(), &rowBytes);
-        return pixels[v * rowBytes + h * 4 + 1];
-    }
-
-    TestFolder folder;
-    NoTime time;
-    viewer::PageClock clock;
-    FakePlugins plugins;
-    Page page{300, 200};
 };
 
 std::vector<int> Sides(const Rect& rect)

@@ -1,12 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/UserActions.h"
 
-#include "tests/viewer/FakePlugins.h"
-#include "tests/viewer/TestFiles.h"
-#include "toolbox/threads/Threads.h"
-#include "viewer/PageClock.h"
-
-#include <gtest/gtest.h>
+#include "tests/viewer/PageFixture.h"
 
 namespace
 {
@@ -15,41 +10,16 @@ using viewer::EmbeddedObject;
 using viewer::UserActions;
 using viewer::UserEvent;
 
-class NoTime : public viewer::HostTime
-{
-public:
-    void LetTimePass() override {}
-};
-
 // Two objects side by side, of 100 by 50 pixels.
-class UserActionsTest : public testing::Test
+class UserActionsTest : public PageFixture
 {
 protected:
     UserActionsTest()
     {
-        for (const char* name : {"a", "b"}) {
-            const std::string path = folder.Write(name, "x");
-            page
-                .Add(std::make_unique<EmbeddedObject>(
-                    viewer::ObjectDescription{name, name, viewer::ObjectType{"video/x-fake"}, 0x1F},
-                    std::make_unique<viewer::ObjectBytes>(viewer::OpenSource(path),
-                                                          viewer::ArrivalPace(), time)))
-                .Start(*plugins.Folder().Bundles()[0]);
-        }
+        AddStarted("a");
+        AddStarted("b");
     }
-    ~UserActionsTest() override
-    {
-        RunToEnd();
-        page.FreeObjects();
-    }
-    void RunToEnd()
-    {
-        for (int i = 0; i < 10; ++i) {
-            YieldToAnyThread();
-            page.IdleObjects();
-            page.DrawChanges();
-        }
-    }
+    ~UserActionsTest() override { RunToEnd(); }
     static UserEvent Click(SInt16 h, SInt16 v, SInt64 at)
     {
         return {UserEvent::Kind::kClick, at, {v, h}, 0};
@@ -58,12 +28,6 @@ protected:
     {
         return {UserEvent::Kind::kKey, at, {}, character};
     }
-
-    TestFolder folder;
-    NoTime time;
-    viewer::PageClock clock;
-    FakePlugins plugins;
-    viewer::Page page{300, 200};
 };
 
 TEST_F(UserActionsTest, AClickIsAPressAndALaterRelease)

@@ -3,41 +3,18 @@
 // A page as a window shows it.
 #include "viewer/Page.h"
 
-#include "tests/viewer/FakePlugins.h"
-#include "tests/viewer/TestFiles.h"
-#include "toolbox/threads/Threads.h"
-#include "viewer/PageClock.h"
-
-#include <gtest/gtest.h>
+#include "tests/viewer/PageFixture.h"
 
 namespace
 {
 
 using viewer::EmbeddedObject;
-using viewer::ObjectBytes;
-using viewer::Page;
 
-class NoTime : public viewer::HostTime
-{
-public:
-    void LetTimePass() override {}
-};
-
-class GrowingPageTest : public testing::Test
+class GrowingPageTest : public PageFixture
 {
 protected:
     GrowingPageTest() { page.SetStyle({10, 8, 30, 0, 0xF4}); }
-    ~GrowingPageTest() override { page.FreeObjects(); }
 
-    EmbeddedObject& Add(const std::string& name)
-    {
-        const std::string path = folder.Write(name, Pattern(1000));
-        auto bytes =
-            std::make_unique<ObjectBytes>(viewer::OpenSource(path), viewer::ArrivalPace(), time);
-        return page.Add(std::make_unique<EmbeddedObject>(
-            viewer::ObjectDescription{name, name, viewer::ObjectType{"video/x-fake"}, 0x1F},
-            std::move(bytes)));
-    }
     EmbeddedObject& AddShown(const std::string& name)
     {
         EmbeddedObject& object = Add(name);
@@ -47,29 +24,13 @@ protected:
     void Run(EmbeddedObject& object)
     {
         object.Start(*plugins.Folder().Bundles()[0]);
-        for (int i = 0; i < 10; ++i) {
-            YieldToAnyThread();
-            page.IdleObjects();
-            page.DrawChanges();
-        }
+        RunToEnd();
     }
     Rect PortBounds() const
     {
         Rect bounds{};
         return *GetPortBounds(page.Port(), &bounds);
     }
-    int GreyAt(int v, int h) const
-    {
-        SInt32 rowBytes = 0;
-        const UInt8* pixels = GetPortPixels(page.Port(), &rowBytes);
-        return pixels[v * rowBytes + h * 4 + 1];
-    }
-
-    TestFolder folder;
-    NoTime time;
-    viewer::PageClock clock;
-    FakePlugins plugins;
-    Page page{300, 200};
 };
 
 TEST_F(GrowingPageTest, LeavesAMarginAndRoomForACaption)
