@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/components/Components.h"
 
+#include "tests/toolbox/FailingOperations.h"
 #include "toolbox/Errors.h"
 #include "toolbox/components/BuiltIns.h"
 #include "toolbox/probe/Probe.h"
@@ -304,7 +305,7 @@ TEST(ComponentRoutines, WithMoreSlotsThanThereAreAreABadSelector)
 
 TEST_F(Components, ThatCannotBeRegisteredAreNull)
 {
-    SetToolboxObserver([](const char*, void*) { return OSErr{-50}; }, nullptr);
+    const FailingOperations failing(-50);
     EXPECT_EQ(nullptr, Register(Description(FOUR_CHARS('n', 'o', 'n', 'e'))));
 }
 

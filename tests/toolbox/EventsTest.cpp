@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/events/Events.h"
 
+#include "tests/toolbox/FailingOperations.h"
 #include "toolbox/Errors.h"
 #include "toolbox/gestalt/Gestalt.h"
-#include "toolbox/probe/Probe.h"
 
 #include <gtest/gtest.h>
 
@@ -85,11 +85,9 @@ TEST(GestaltValues, AnotherVersionCanBeTried)
 
 TEST(GestaltValues, AFailureToldByTheObserverIsItsResult)
 {
-    SetToolboxObserver([](const char*, void*) { return OSErr{-5550}; }, nullptr);
+    const FailingOperations failing(-5550);
     SInt32 version = 0;
-    const OSErr err = Gestalt(gestaltQuickTime, &version);
-    SetToolboxObserver(nullptr, nullptr);
-    EXPECT_EQ(-5550, err);
+    EXPECT_EQ(-5550, Gestalt(gestaltQuickTime, &version));
     EXPECT_EQ(0, version);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/files/Files.h"
 
+#include "tests/toolbox/FailingOperations.h"
 #include "toolbox/Errors.h"
 #include "toolbox/files/Aliases.h"
 #include "toolbox/files/Resources.h"
@@ -459,10 +460,10 @@ TEST_F(Files, NoDescriptorsLeftGivesTmfoErr)
 TEST_F(Files, AFailureToldByTheObserverComesBeforeAnyEffect)
 {
     const FSSpec spec = Spec("movie.mpg");
-    SetToolboxObserver([](const char*, void*) { return OSErr{dskFulErr}; }, nullptr);
-    const OSErr err = FSpCreate(&spec, kCreator, kType, smSystemScript);
-    SetToolboxObserver(nullptr, nullptr);
-    EXPECT_EQ(dskFulErr, err);
+    {
+        const FailingOperations failing(dskFulErr);
+        EXPECT_EQ(dskFulErr, FSpCreate(&spec, kCreator, kType, smSystemScript));
+    }
     EXPECT_EQ(fnfErr, FSpDelete(&spec));
 }
 
@@ -478,16 +479,10 @@ TEST_F(Files, AMinimalAliasHoldsTheSpecification)
 
 TEST_F(Files, NoMemoryForAnAliasGivesMemFullErr)
 {
-    SetToolboxObserver(
-        [](const char* operation, void*) {
-            return std::strcmp(operation, "NewHandle") == 0 ? OSErr{memFullErr} : OSErr{noErr};
-        },
-        nullptr);
+    const FailingOperations failing(memFullErr, "NewHandle");
     const FSSpec spec = Spec("movie.mpg");
     Handle alias = nullptr;
-    const OSErr err = NewAliasMinimal(&spec, &alias);
-    SetToolboxObserver(nullptr, nullptr);
-    EXPECT_EQ(memFullErr, err);
+    EXPECT_EQ(memFullErr, NewAliasMinimal(&spec, &alias));
     EXPECT_EQ(nullptr, alias);
 }
 

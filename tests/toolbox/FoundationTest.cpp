@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/foundation/Foundation.h"
 
+#include "tests/toolbox/FailingOperations.h"
 #include "toolbox/probe/Probe.h"
 
 #include <gtest/gtest.h>
@@ -187,9 +188,8 @@ TEST_F(Foundation, ARetainedObjectLivesUntilItsLastRelease)
 
 TEST_F(Foundation, NoMemoryForAStringIsNoString)
 {
-    SetToolboxObserver([](const char*, void*) { return OSErr{-108}; }, nullptr);
+    const FailingOperations failing(-108);
     EXPECT_EQ(nullptr, String("text"));
-    SetToolboxObserver(nullptr, nullptr);
 }
 
 TEST_F(Bundles, AnswerFromTheirInformationDictionary)
@@ -242,48 +242,50 @@ TEST_F(Bundles, AStringReadAsAnArrayIsEmpty)
     CFRelease(bundle);
 }
 
-TEST_F(Bundles, ReadBinaryListsToo)
+// A binary list of one dictionary with the value "v" for a key: a marker and its bytes.
+std::string BinaryList(const std::string& key)
 {
+    constexpr char kKeyAt = 11;
+    const auto valueAt = static_cast<char>(kKeyAt + key.size());
+    const auto offsetsAt = static_cast<char>(valueAt + 2);
+    std::string list = "bplist00\xD1\x01\x02" + key + "\x51v";
+    list += {8, kKeyAt, valueAt};     // where the dictionary, the key and the value are
+    list += {0, 0, 0, 0, 0, 0, 1, 1}; // bytes of an offset and of a reference
+    list += {0, 0, 0, 0, 0, 0, 0, 3}; // objects
+    list += {0, 0, 0, 0, 0, 0, 0, 0}; // the first of which holds the others
+    list += {0, 0, 0, 0, 0, 0, 0, offsetsAt};
+    return list;
+}
+
+class BinaryLists : public Bundles
+{
+protected:
+    void SetUp() override
+    {
 #ifdef VORN_STANDINS
-    GTEST_SKIP() << "what stands in for libplist reads XML lists only";
+        GTEST_SKIP() << "what stands in for libplist reads XML lists only";
 #endif
-    // One dictionary with the key "k" and the value "v".
-    const std::string list(
-        "bplist00\xD1\x01\x02\x51k\x51v\x08\x0B\x0D"
-        "\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x0F",
-        50);
-    const CFBundleRef bundle = Bundle(list);
+    }
+};
+
+TEST_F(BinaryLists, AreReadToo)
+{
+    const CFBundleRef bundle = Bundle(BinaryList("\x51k"));
     ASSERT_NE(nullptr, bundle);
     EXPECT_EQ("v", Text(Value(bundle, "k")));
     CFRelease(bundle);
 }
 
-TEST_F(Bundles, AZeroInAKeyIsNoDanger)
+TEST_F(BinaryLists, AZeroInAKeyIsNoDanger)
 {
-#ifdef VORN_STANDINS
-    GTEST_SKIP() << "what stands in for libplist reads XML lists only";
-#endif
-    // One dictionary with "k" and a zero, in 16 bits each, for a key and the value "v".
-    const std::string list(
-        "bplist00\xD1\x01\x02\x62\0k\0\0\x51v\x08\x0B\x10"
-        "\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x12",
-        53);
-    const CFBundleRef bundle = Bundle(list);
+    const CFBundleRef bundle = Bundle(BinaryList({'\x62', 0, 'k', 0, 0})); // 16 bits each
     EXPECT_NE(nullptr, bundle);
     CFRelease(bundle);
 }
 
-TEST_F(Bundles, AKeyOfMalformedTextIsNotTakenForAnother)
+TEST_F(BinaryLists, AKeyOfMalformedTextIsNotTakenForAnother)
 {
-#ifdef VORN_STANDINS
-    GTEST_SKIP() << "what stands in for libplist reads XML lists only";
-#endif
-    // The key "k" and a byte that is no UTF-8.
-    const std::string list(
-        "bplist00\xD1\x01\x02\x52k\xA2\x51v\x08\x0B\x0E"
-        "\0\0\0\0\0\0\x01\x01\0\0\0\0\0\0\0\x03\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x10",
-        51);
-    const CFBundleRef bundle = Bundle(list);
+    const CFBundleRef bundle = Bundle(BinaryList("\x52k\xA2")); // no UTF-8
     ASSERT_NE(nullptr, bundle);
     EXPECT_EQ(nullptr, Value(bundle, "k"));
     CFRelease(bundle);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "CopyReference.h"
+#include "tests/toolbox/FailingOperations.h"
 #include "toolbox/Errors.h"
 #include "toolbox/memory/Memory.h"
 #include "toolbox/probe/Probe.h"
@@ -217,35 +218,22 @@ TEST(GWorld, TheLedgerCountsThemAndNothingIsLeftBehind)
     EXPECT_EQ(CountLiveObjects(kLiveHandles), handles);
 }
 
-OSErr FailOperation(const char* operation, void* name)
-{
-    return std::string(operation) == static_cast<const char*>(name) ? OSErr{-123} : OSErr{0};
-}
-
-struct FailingOperation {
-    explicit FailingOperation(const char* name)
-    {
-        SetToolboxObserver(FailOperation, const_cast<char*>(name));
-    }
-    ~FailingOperation() { SetToolboxObserver(nullptr, nullptr); }
-};
-
 TEST(GWorld, ThatCannotBeMadeTellsWhy)
 {
-    const FailingOperation failing("NewGWorld");
+    const FailingOperations failing(-123, "NewGWorld");
     EXPECT_EQ(ErrorOfNewGWorld(8, kBounds), -123);
 }
 
 TEST(GWorld, WithoutMemoryForItsTableIsNotMade)
 {
-    const FailingOperation failing("NewHandleClear");
+    const FailingOperations failing(-123, "NewHandleClear");
     EXPECT_EQ(ErrorOfNewGWorld(8, kBounds), memFullErr);
 }
 
 TEST(GWorld, PixelsThatCannotBeLockedSaySo)
 {
     const OwnedWorld world = MakeWorld(8, kBounds);
-    const FailingOperation failing("LockPixels");
+    const FailingOperations failing(-123, "LockPixels");
     EXPECT_FALSE(LockPixels(GetGWorldPixMap(world.get())));
     EXPECT_EQ(GetPixelsState(GetGWorldPixMap(world.get())) & pixelsLocked, 0U);
 }

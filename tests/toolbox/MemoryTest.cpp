@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/memory/Memory.h"
 
+#include "tests/toolbox/FailingOperations.h"
 #include "toolbox/Errors.h"
 #include "toolbox/probe/Probe.h"
 
@@ -172,26 +173,21 @@ TEST(Memory, BlockMoveDataMovesBetweenOverlappingAreas)
 
 TEST(Memory, AFailureToldByTheObserverComesThroughMemError)
 {
-    SetToolboxObserver([](const char*, void*) { return OSErr{memFullErr}; }, nullptr);
-    const Handle handle = NewHandle(10);
-    const Handle clear = NewHandleClear(10);
-    const Ptr block = NewPtr(10);
-    const OSErr err = MemError();
-    SetToolboxObserver(nullptr, nullptr);
-    EXPECT_EQ(nullptr, handle);
-    EXPECT_EQ(nullptr, clear);
-    EXPECT_EQ(nullptr, block);
-    EXPECT_EQ(memFullErr, err);
+    const FailingOperations failing(memFullErr);
+    EXPECT_EQ(nullptr, NewHandle(10));
+    EXPECT_EQ(nullptr, NewHandleClear(10));
+    EXPECT_EQ(nullptr, NewPtr(10));
+    EXPECT_EQ(memFullErr, MemError());
 }
 
 TEST(Memory, AFailedResizeLeavesTheBlockAsItWas)
 {
     const Handle handle = HandleWith("spool");
-    SetToolboxObserver([](const char*, void*) { return OSErr{memFullErr}; }, nullptr);
-    SetHandleSize(handle, 100);
-    const OSErr err = MemError();
-    SetToolboxObserver(nullptr, nullptr);
-    EXPECT_EQ(memFullErr, err);
+    {
+        const FailingOperations failing(memFullErr);
+        SetHandleSize(handle, 100);
+        EXPECT_EQ(memFullErr, MemError());
+    }
     EXPECT_EQ("spool", BytesOf(handle));
     DisposeHandle(handle);
 }

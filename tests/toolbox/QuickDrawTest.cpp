@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "toolbox/quickdraw/QuickDraw.h"
+#include "tests/toolbox/FailingOperations.h"
 #include "toolbox/Errors.h"
 #include "toolbox/probe/Probe.h"
 #include "toolbox/quickdraw/Drawing.h"
@@ -360,28 +361,15 @@ TEST_F(QuickDraw, PaintingAndDirtyRegionAgreeForRandomRects)
     }
 }
 
-OSErr FailOperation(const char* operation, void* name)
-{
-    return std::string(operation) == static_cast<const char*>(name) ? OSErr{-123} : OSErr{0};
-}
-
-struct FailingOperation {
-    explicit FailingOperation(const char* name)
-    {
-        SetToolboxObserver(FailOperation, const_cast<char*>(name));
-    }
-    ~FailingOperation() { SetToolboxObserver(nullptr, nullptr); }
-};
-
 TEST_F(QuickDraw, ARegionThatCannotBeMadeIsNull)
 {
-    const FailingOperation failing("NewRgn");
+    const FailingOperations failing(-123, "NewRgn");
     EXPECT_EQ(NewRgn(), nullptr);
 }
 
 TEST_F(QuickDraw, APortThatCannotBeMadeTellsWhy)
 {
-    const FailingOperation failing("CreateWindowPort");
+    const FailingOperations failing(-123, "CreateWindowPort");
     const Rect bounds = {0, 0, 5, 5};
     CGrafPtr made = port.get();
     EXPECT_EQ(CreateWindowPort(&bounds, &made), -123);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/toolbox/ThreadsTest.h"
+#include "tests/toolbox/FailingOperations.h"
 
 #include <gtest/gtest.h>
 
@@ -308,13 +309,10 @@ TEST_F(Threads, AFailingYieldGivesNobodyATurn)
 {
     bool ran = false;
     Start([&] { ran = true; });
-    SetToolboxObserver(
-        [](const char* operation, void*) {
-            return std::strcmp(operation, "YieldToAnyThread") == 0 ? OSErr{-50} : OSErr{0};
-        },
-        nullptr);
-    EXPECT_EQ(-50, YieldToAnyThread());
-    SetToolboxObserver(nullptr, nullptr);
+    {
+        const FailingOperations failing(-50, "YieldToAnyThread");
+        EXPECT_EQ(-50, YieldToAnyThread());
+    }
     EXPECT_FALSE(ran);
     YieldToAnyThread();
     EXPECT_TRUE(ran);
