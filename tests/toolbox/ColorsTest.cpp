@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <set>
 
 namespace
@@ -189,6 +190,48 @@ TEST_F(Colors, AnEntryStandsForItsValue)
 TEST_F(Colors, AnEntryOfADevicesTableStandsForItsPosition)
 {
     EXPECT_EQ(ColorOfIndex1(MakeTable(INT16_MIN)), 0x0B0000U);
+}
+
+// Of 200 entries, in order.
+CTabHandle MakeTableOf(const std::function<RGBColor(UInt32)>& entry)
+{
+    auto const table = reinterpret_cast<CTabHandle>(NewHandleClear(8 + 200 * 8));
+    (*table)->ctSeed = GetCTSeed();
+    (*table)->ctSize = 199;
+    for (UInt32 i = 0; i < 200; ++i) {
+        (*table)->ctTable[i] = {static_cast<SInt16>(i), entry(i)};
+    }
+    return table;
+}
+
+RGBColor Widened(UInt32 red, UInt32 green, UInt32 blue)
+{
+    const auto wide = [](UInt32 component) { return static_cast<UInt16>((component & 255) * 257); };
+    return {wide(red), wide(green), wide(blue)};
+}
+
+TEST_F(Colors, TheNearestIndexIsExactHoweverTheColorsLie)
+{
+    std::mt19937 random(9);
+    const auto any = [&](UInt32 range) { return static_cast<UInt32>(random()) % range; };
+    const std::function<RGBColor(UInt32)> entries[] = {
+        [&](UInt32) { return Widened(any(256), any(256), any(256)); },
+        [](UInt32 i) { return Widened(i, i, i); },                            // close together
+        [](UInt32 i) { return Widened(i % 7 * 40, i % 3 * 99, i % 4 * 80); }, // some of them twice
+        [&](UInt32) { return Widened(120 + any(20), 120 + any(20), 120 + any(20)); }};
+    for (const auto& entry : entries) {
+        CTabHandle const table = MakeTableOf(entry);
+        const OwnedWorld world = MakeWorld(8, kBounds, table);
+        SetGWorld(world.get(), nullptr);
+        for (int i = 0; i < 3000; ++i) {
+            const RGBColor color = Widened(any(256), any(256), any(256));
+            ASSERT_EQ(Color2Index(&color),
+                      static_cast<SInt32>(reference::NearestValue(
+                          BitsOf(world), {color.red >> 8, color.green >> 8, color.blue >> 8})));
+        }
+        SetGWorld(nullptr, nullptr);
+        DisposeHandle(reinterpret_cast<Handle>(table));
+    }
 }
 
 class Tinting : public Colors
