@@ -4,6 +4,7 @@
 #include "viewer/ReadFully.h"
 
 #include <cerrno>
+#include <fcntl.h>
 
 namespace viewer
 {
@@ -19,6 +20,11 @@ SInt32 FileSource::Read(void* buffer, SInt32 offset, SInt32 count)
                         : SourceFailure{ioErr, "the file became shorter while it was read"});
     }
     return copied;
+}
+
+FileDescriptor FileSource::KeptFile() const
+{
+    return FileDescriptor(fcntl(file_.Get(), F_DUPFD_CLOEXEC, 0));
 }
 
 } // namespace viewer

@@ -20,6 +20,7 @@ public:
     SInt32 EstimatedBytes() const override { return size_; }
     // A file that has become shorter fails with ioErr and ends where it does.
     SInt32 Read(void* buffer, SInt32 offset, SInt32 count) override;
+    FileDescriptor KeptFile() const override;
 
 private:
     FileDescriptor file_;
