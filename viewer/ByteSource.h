@@ -39,6 +39,8 @@ public:
     virtual bool IsComplete() const = 0;
     // The expected length, -1 if there is no idea.
     virtual SInt32 EstimatedBytes() const = 0;
+    // The Content-Type field that came along with the bytes, parameters and all.
+    virtual std::string ContentType() const { return ""; }
     // The MIME type that came along with the bytes, empty if none did so far.
     virtual std::string DeclaredType() const { return ""; }
     // Copies `count` bytes that were received. Answers how many it copied: fewer only after a

@@ -88,11 +88,11 @@ bool IsMimeDocumentType(const std::string& mimeType)
     return mimeType == "message/rfc822" || mimeType.starts_with("multipart/");
 }
 
-MimeDocument ReadMimeDocument(FileDescriptor file)
+MimeDocument ReadMimeDocument(FileDescriptor file, const std::string& contentType)
 {
     static const auto read = ViewerPart("VornMail").Find<decltype(VornReadMail)>("VornReadMail");
     MimeDocument document;
-    read(file, document);
+    read(file, contentType, document);
     return document;
 }
 

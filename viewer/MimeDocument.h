@@ -30,7 +30,9 @@ struct MimeDocument {
 bool IsMimeDocument(const std::string& fileName, std::string_view start);
 // Of a type that --type may give.
 bool IsMimeDocumentType(const std::string& mimeType);
-// Takes what can be had of a damaged one. Throws SourceFailure if that is nothing, and PartMissing.
-MimeDocument ReadMimeDocument(FileDescriptor file);
+// Takes what can be had of a damaged one. `contentType` is the field that came along: that of a
+// multipart document may stand there alone. Throws SourceFailure if there is nothing, and
+// PartMissing.
+MimeDocument ReadMimeDocument(FileDescriptor file, const std::string& contentType = {});
 
 } // namespace viewer

@@ -34,6 +34,8 @@ public:
     // All there is has arrived and was handed out.
     bool IsComplete() const;
     SInt32 EstimatedBytes() const;
+    // See ByteSource.
+    std::string ContentType() const { return source_->ContentType(); }
     // The MIME type that came along with the bytes, empty for none.
     std::string DeclaredType() const { return source_->DeclaredType(); }
     // Where the bytes that were handed out end.

@@ -48,9 +48,10 @@ public:
     std::vector<EmbeddedObject*> Unfold(EmbeddedObject& document)
     {
         try {
-            return page_.Replace(
-                document,
-                MakeContent(document.Description(), ReadMimeDocument(document.Bytes().KeptFile())));
+            return page_.Replace(document,
+                                 MakeContent(document.Description(),
+                                             ReadMimeDocument(document.Bytes().KeptFile(),
+                                                              document.Bytes().ContentType())));
         } catch (const SourceFailure& failure) {
             document.GiveUp(failure.error, failure.text);
         } catch (const PartMissing& problem) {

@@ -23,11 +23,11 @@ using viewer::SourceFailure;
 
 const std::string kHeader = "From: a@example.org\r\nSubject: s\r\nMIME-Version: 1.0\r\n";
 
-MimeDocument Read(const std::string& text)
+MimeDocument Read(const std::string& text, const std::string& contentType = {})
 {
     const TestFolder folder;
     return viewer::ReadMimeDocument(
-        FileDescriptor(open(folder.Write("mail", text).c_str(), O_RDONLY)));
+        FileDescriptor(open(folder.Write("mail", text).c_str(), O_RDONLY)), contentType);
 }
 
 SourceFailure FailureOf(const std::string& text)
@@ -256,6 +256,26 @@ TEST(MimeDocument, AMediumIsDecodedAsFarAsItIsWanted)
     EXPECT_EQ(BytesOf(source), body);
     EXPECT_EQ(source.EstimatedBytes(), 1'000'000);
     EXPECT_TRUE(source.IsComplete());
+}
+
+TEST(MimeDocument, WithoutAHeaderOfItsOwnHasTheOneThatCameAlong)
+{
+    const std::string gif = Part(kGif, "GIF89a");
+    const std::string parts = gif + Part("Content-Type: text/plain", "one") + gif + "--xx--\r\n";
+    const auto shown = ElementsAre("<a.gif|image/gif|GIF89a>", "one", "<a.gif|image/gif|GIF89a>");
+    const std::string type = "Multipart/Mixed; boundary=\"xx\"";
+    EXPECT_THAT(Describe(Read(parts, type)), shown);
+    EXPECT_THAT(Describe(Read("It has several parts.\r\n" + parts, type)), shown);
+    EXPECT_THAT(Describe(Read(parts, "multipart/mixed;\r\n boundary=xx")), shown);
+}
+
+TEST(MimeDocument, WithAHeaderOfItsOwnNeedsNoOther)
+{
+    const std::string mail = kHeader + Multipart("mixed", {Part(kGif, "GIF89a")});
+    const auto shown = ElementsAre("<a.gif|image/gif|GIF89a>");
+    EXPECT_THAT(Describe(Read(mail, "multipart/mixed; boundary=yy")), shown);
+    EXPECT_THAT(Describe(Read("From a@b.example Mon\n" + mail, "multipart/mixed; boundary=yy")),
+                shown);
 }
 
 TEST(MimeDocument, IsKnownByItsNameOrItsFirstLines)

@@ -132,6 +132,30 @@ TEST_F(StreamedDocument, IsKnownByTheTypeThatTheServerTells)
     EXPECT_EQ(result.report["text"], nlohmann::json({"only text"}));
 }
 
+// As a server gives out a document whose header it has made its own.
+TEST_F(StreamedDocument, MayHaveItsBoundaryInTheServersHeaderAlone)
+{
+    const std::string mail = Mail();
+    PacedReply reply;
+    reply.headers = {"Content-Type: Multipart/Related; type=\"text/html\"; boundary=\"edge\""};
+    reply.body = mail.substr(mail.find("--edge"));
+    const ViewerResult result = Run({"--play", Serve("/page", reply)});
+    EXPECT_EQ(result.status, 0) << result.err;
+    ASSERT_EQ(result.report["objects"].size(), 2U);
+    for (const auto& object : result.report["objects"]) {
+        EXPECT_EQ(object["pictures_shown"], PicturesOf("tiny.mpg"));
+    }
+    EXPECT_EQ(result.report["text"], nlohmann::json({"above", "below"}));
+}
+
+TEST_F(StreamedDocument, KeepsTheHeaderThatItBeginsWith)
+{
+    PacedReply reply;
+    reply.headers = {"Content-Type: multipart/mixed; boundary=\"another\""};
+    reply.body = Mail();
+    EXPECT_EQ(Run({Serve("/mail", reply)}).report["objects"].size(), 2U);
+}
+
 TEST_F(StreamedDocument, DoesNotKeepTheOthersWaiting)
 {
     PacedReply reply;

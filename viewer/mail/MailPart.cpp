@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/mail/MailPart.h"
 
+#include "viewer/DeclaredType.h"
+#include "viewer/ReadFully.h"
 #include "viewer/mail/GMimePointer.h"
 #include "viewer/mail/MimeWalk.h"
+
+#include <algorithm>
 
 namespace viewer
 {
@@ -10,13 +14,48 @@ namespace
 {
 
 constexpr std::string_view kMailboxLine = "From ";
+constexpr SInt32 kBytesToLookAt = 8192;
 
-GMimePointer<GMimeMessage> Parse(FileDescriptor& file)
+std::string StartOf(const FileDescriptor& file)
 {
-    std::string start(kMailboxLine.size(), '\0');
-    const bool isMailbox =
-        pread(file.Get(), start.data(), start.size(), 0) > 0 && start == kMailboxLine;
-    const GMimePointer<GMimeStream> stream(g_mime_stream_fs_new(dup(file.Get())));
+    std::string start(kBytesToLookAt, '\0');
+    start.resize(static_cast<size_t>(ReadFully(file.Get(), start.data(), 0, kBytesToLookAt)));
+    return start;
+}
+
+// A document without a header of its own begins with its parts. The field that came along is one
+// line, whatever a server may have sent.
+std::string MissingHeader(const std::string& start, std::string contentType)
+{
+    std::replace_if(
+        contentType.begin(), contentType.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
+    const bool isMissing = ReadDeclaredType(contentType).starts_with("multipart/") &&
+                           !start.starts_with(kMailboxLine) && !IsMimeDocument("", start);
+    return isMissing ? "Content-Type: " + contentType + "\r\n\r\n" : "";
+}
+
+// Without a copy of the document, behind a header that is kept in memory.
+GMimePointer<GMimeStream> Behind(const std::string& header, GMimePointer<GMimeStream> document)
+{
+    if (header.empty()) {
+        return document;
+    }
+    GMimePointer<GMimeStream> both(g_mime_stream_cat_new());
+    const GMimePointer<GMimeStream> first(
+        g_mime_stream_mem_new_with_buffer(header.data(), header.size()));
+    g_mime_stream_cat_add_source(GMIME_STREAM_CAT(both.get()), first.get());
+    g_mime_stream_cat_add_source(GMIME_STREAM_CAT(both.get()), document.get());
+    return both;
+}
+
+GMimePointer<GMimeMessage> Parse(FileDescriptor& file, const std::string& contentType)
+{
+    const std::string start = StartOf(file);
+    const bool isMailbox = start.starts_with(kMailboxLine);
+    // From the file's beginning, wherever somebody else has read to in it.
+    const GMimePointer<GMimeStream> stream =
+        Behind(MissingHeader(start, contentType),
+               GMimePointer<GMimeStream>(g_mime_stream_fs_new_with_bounds(dup(file.Get()), 0, -1)));
     const GMimePointer<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
     // Parts stay where they are until they are wanted.
     g_mime_parser_set_persist_stream(parser.get(), TRUE);
@@ -24,11 +63,11 @@ GMimePointer<GMimeMessage> Parse(FileDescriptor& file)
     return GMimePointer<GMimeMessage>(g_mime_parser_construct_message(parser.get(), nullptr));
 }
 
-MimeDocument Read(FileDescriptor& file)
+MimeDocument Read(FileDescriptor& file, const std::string& contentType)
 {
     static const bool isStarted = (g_mime_init(), true);
     static_cast<void>(isStarted);
-    const GMimePointer<GMimeMessage> message = Parse(file);
+    const GMimePointer<GMimeMessage> message = Parse(file, contentType);
     if (message == nullptr) {
         throw SourceFailure{paramErr, "this is not an e-mail or a web archive"};
     }
@@ -42,7 +81,8 @@ MimeDocument Read(FileDescriptor& file)
 } // namespace
 } // namespace viewer
 
-void VornReadMail(viewer::FileDescriptor& file, viewer::MimeDocument& document)
+void VornReadMail(viewer::FileDescriptor& file, const std::string& contentType,
+                  viewer::MimeDocument& document)
 {
-    document = viewer::Read(file);
+    document = viewer::Read(file, contentType);
 }

@@ -266,7 +266,7 @@ SInt32 HttpSource::EstimatedBytes() const
 
 std::string HttpSource::DeclaredType() const
 {
-    return answer_ ? ReadDeclaredType(answer_->type) : "";
+    return ReadDeclaredType(ContentType());
 }
 
 int HttpSource::DescriptorToWaitOn() const

@@ -24,6 +24,7 @@ public:
     void Pump(SInt32 end) override;
     // What the server told, until all is there.
     SInt32 EstimatedBytes() const override;
+    std::string ContentType() const override { return answer_ ? answer_->type : ""; }
     std::string DeclaredType() const override;
     int DescriptorToWaitOn() const override;
     // Closes the connection.
