@@ -4,6 +4,7 @@
 #include "viewer/Console.h"
 #include "viewer/ObjectDrag.h"
 #include "viewer/StopRequest.h"
+#include "viewer/ViewerPart.h"
 
 #include <algorithm>
 #include <chrono>
@@ -40,6 +41,7 @@ HeadlessRun::HeadlessRun(const Options& options, const PluginFolder& plugins)
 PageReport HeadlessRun::Run()
 {
     const CGrafPtr port = work_.ThePage().Port();
+    MakeTextWriter();
     work_.ThePage().DrawChanges();
     while (true) {
         FinishInstant();
@@ -69,11 +71,36 @@ void HeadlessRun::FinishInstant()
     PageWork::Mark before = work_.Look();
     while (quietRounds < kQuietRoundsAtRest ||
            (PageWork::IsToolboxBusy() && quietRounds < kMostQuietRounds)) {
+        MakeTextWriter();
         work_.DoRound();
         const PageWork::Mark after = work_.Look();
         quietRounds = after == before ? quietRounds + 1 : 0;
         before = after;
         ShowProgress();
+    }
+    if (text_ != nullptr) {
+        text_->Update();
+    }
+}
+
+// Once there is text, and not before: most pages have none, and need neither the libraries nor the
+// room for it. It stands where it does in a window.
+void HeadlessRun::MakeTextWriter()
+{
+    Page& page = work_.ThePage();
+    if (isTextWriterSought_ || options_.info || page.Texts().Blocks().empty()) {
+        return;
+    }
+    isTextWriterSought_ = true;
+    try {
+        const ViewerPart part("VornText");
+        part.Find<decltype(VornMakeTextWriter)>("VornMakeTextWriter")(page, text_);
+        textProblem_ = "there is no font";
+    } catch (const PartMissing& problem) {
+        textProblem_ = problem.what();
+    }
+    if (text_ != nullptr) {
+        page.SetStyle(StyleWithText(), Page::Height::kStays);
     }
 }
 
@@ -148,17 +175,35 @@ void HeadlessRun::ShowProgress()
 void HeadlessRun::TellOutcome()
 {
     work_.TellOutcome();
-    const Page& page = work_.ThePage();
-    if (const Page::Below below = page.LookBelow(); below.objects > 0 && !options_.info) {
-        Console::Tell("", std::to_string(below.objects) +
-                              (below.objects == 1 ? " object lies" : " objects lie") +
-                              " below the page; --size " + std::to_string(page.Width()) + "x" +
-                              std::to_string(below.bottom) + " shows more");
+    if (!options_.info) {
+        TellWhatIsBelow();
+        TellOfTextNotDrawn();
     }
-    if (const size_t texts = page.Texts().Blocks().size(); texts > 0 && !options_.info) {
+}
+
+void HeadlessRun::TellWhatIsBelow() const
+{
+    const Page& page = work_.ThePage();
+    const Page::Below below = page.LookBelow();
+    const bool isTextBelow = text_ != nullptr && page.Texts().Bottom() > options_.height;
+    if (below.objects == 0 && !isTextBelow) {
+        return;
+    }
+    const std::string what = below.objects == 0   ? "text lies"
+                             : below.objects == 1 ? "1 object lies"
+                                                  : std::to_string(below.objects) + " objects lie";
+    Console::Tell("", what + " below the page; --size " + std::to_string(page.Width()) + "x" +
+                          std::to_string(isTextBelow ? page.ContentHeight() : below.bottom) +
+                          " shows more");
+}
+
+void HeadlessRun::TellOfTextNotDrawn() const
+{
+    const size_t texts = work_.ThePage().Texts().Blocks().size();
+    if (texts > 0 && text_ == nullptr) {
         Console::Tell("", std::to_string(texts) +
                               (texts == 1 ? " paragraph of text is" : " paragraphs of text are") +
-                              " drawn in a window only");
+                              " not drawn: " + textProblem_);
     }
 }
 

@@ -6,6 +6,9 @@
 #include "viewer/PageClock.h"
 #include "viewer/PageWork.h"
 #include "viewer/Snapshots.h"
+#include "viewer/text/TextPart.h"
+
+#include <string>
 
 namespace viewer
 {
@@ -28,6 +31,7 @@ public:
 
 private:
     void FinishInstant();
+    void MakeTextWriter();
     bool WaitsForStream() const { return !work_.AwaitedStreams().empty(); }
 
     bool IsOver();
@@ -37,10 +41,15 @@ private:
 
     void ShowProgress();
     void TellOutcome();
+    void TellWhatIsBelow() const;
+    void TellOfTextNotDrawn() const;
 
     const Options& options_;
     PageClock clock_;
     PageWork work_;
+    std::unique_ptr<TextWriter> text_;
+    bool isTextWriterSought_ = false;
+    std::string textProblem_; // why there is no writer
     Snapshots snapshots_;
     bool dragFailed_ = false;
 };

@@ -77,6 +77,18 @@ private:
 
 } // namespace
 
+PageStyle StyleWithText()
+{
+    PageStyle style;
+    style.margin = 16;
+    style.gap = 20;
+    style.captionHeight = 40;
+    style.leastWidth = 176;
+    style.background = 0xF4;
+    style.paragraphGap = 10;
+    return style;
+}
+
 PagePlaces LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth, const PageStyle& style,
                       const std::vector<ParagraphSpace>& paragraphs)
 {

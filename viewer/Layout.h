@@ -34,6 +34,9 @@ struct PageStyle {
     SInt16 paragraphGap = 0;  // between paragraphs
 };
 
+// How a page looks with paragraphs, or with captions below its objects.
+PageStyle StyleWithText();
+
 // A paragraph's room: all of the page's width.
 struct ParagraphSpace {
     size_t objectsBefore = 0; // how many of the page's objects stand before it

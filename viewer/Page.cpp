@@ -227,10 +227,10 @@ Rect Page::Surroundings(const Rect& area) const
             static_cast<SInt16>(std::min(right, INT16_MAX))};
 }
 
-void Page::SetStyle(const PageStyle& style)
+void Page::SetStyle(const PageStyle& style, Height height)
 {
     style_ = style;
-    grows_ = true;
+    grows_ = height == Height::kGrows;
     laidOut_ = false;
     Wipe({0, 0, shape_.height, shape_.width});
 }

@@ -69,9 +69,9 @@ public:
     // Where the last paragraph, or the last object with its caption, ends with its margin.
     SInt16 ContentHeight() const { return contentHeight_; }
 
-    // For a page that is shown in a window: what is left free, and a port that grows with the
-    // page. Before it is drawn.
-    void SetStyle(const PageStyle& style);
+    // What is left free, and whether the port grows with the page. Everything is laid out anew.
+    enum class Height { kStays, kGrows };
+    void SetStyle(const PageStyle& style, Height height);
     const PageStyle& Style() const { return style_; }
     // The size of the window, how much the objects are enlarged, and the only one that is shown,
     // as large as the window (null: all are).

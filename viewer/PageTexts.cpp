@@ -58,6 +58,15 @@ void PageTexts::Forget()
     places_.assign(blocks_.size(), {});
 }
 
+SInt16 PageTexts::Bottom() const
+{
+    SInt16 bottom = 0;
+    for (const Place& place : places_) {
+        bottom = std::max(bottom, place.area.bottom);
+    }
+    return bottom;
+}
+
 std::vector<size_t> PageTexts::TakeMoved()
 {
     std::vector<size_t> moved;

@@ -35,6 +35,8 @@ public:
     // The page has been wiped.
     void Forget();
     const Rect& Area(size_t index) const { return places_[index].area; }
+    // Where the lowest of those with a place ends.
+    SInt16 Bottom() const;
     // Those that have come to another place since the last call.
     std::vector<size_t> TakeMoved();
 

@@ -98,6 +98,18 @@ TEST_F(Installed, StartsWithoutTheLibrariesOfItsParts)
     }
 }
 
+TEST_F(Installed, WritesTextWithoutTheLibrariesOfAWindow)
+{
+    if (!fs::exists(Path("lib/vorn/VornText.so"))) {
+        GTEST_SKIP() << "this is a build without text";
+    }
+    std::system(
+        ("ldd " + Path("lib/vorn/VornText.so") + " > " + folder->Path("libraries")).c_str());
+    const std::string libraries = folder->Read("libraries");
+    EXPECT_THAT(libraries, HasSubstr("libfreetype"));
+    EXPECT_THAT(libraries, Not(HasSubstr("libSDL2")));
+}
+
 TEST_F(Installed, ShowsAnEmail)
 {
     EXPECT_EQ(Run("--info " + WriteMail()), 0) << folder->Read("out");
@@ -132,6 +144,24 @@ TEST_F(InstalledWithoutParts, TellsWhatAnEmailNeeds)
 {
     EXPECT_EQ(Run("--headless " + WriteMail()), 1);
     EXPECT_THAT(folder->Read("out"), HasSubstr("the viewer's part VornMail cannot be used"));
+}
+
+TEST_F(Installed, TellsWhyTextIsNotDrawn)
+{
+    const std::string part = Path("lib/vorn/VornText.so");
+    const std::string elsewhere = part + ".elsewhere";
+    const bool isThere = fs::exists(part);
+    if (isThere) {
+        fs::rename(part, elsewhere);
+    }
+    const std::string mail = folder->Write(
+        "text.eml", "MIME-Version: 1.0\r\nContent-Type: text/plain\r\n\r\nsome words\r\n");
+    EXPECT_EQ(Run("--headless " + mail), 0);
+    EXPECT_THAT(folder->Read("out"),
+                HasSubstr("1 paragraph of text is not drawn: the viewer's part VornText cannot"));
+    if (isThere) {
+        fs::rename(elsewhere, part);
+    }
 }
 
 TEST_F(InstalledWithoutParts, TellsWhatAnAddressNeeds)

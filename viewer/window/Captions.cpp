@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/window/Captions.h"
 
+#include "viewer/text/PageCanvas.h"
 #include "viewer/window/ObjectState.h"
-#include "viewer/window/PageCanvas.h"
 
 #include <algorithm>
 
@@ -37,18 +37,6 @@ Rect Outset(const Rect& rect, int by)
 }
 
 } // namespace
-
-PageStyle Captions::Style()
-{
-    PageStyle style;
-    style.margin = 16;
-    style.gap = 20;
-    style.captionHeight = 40;
-    style.leastWidth = 176;
-    style.background = 0xF4;
-    style.paragraphGap = 10;
-    return style;
-}
 
 void Captions::Update(const EmbeddedObject* focus)
 {

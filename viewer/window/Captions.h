@@ -5,7 +5,7 @@
 #pragma once
 
 #include "viewer/Page.h"
-#include "viewer/window/TextPainter.h"
+#include "viewer/text/TextPainter.h"
 
 #include <string>
 #include <vector>
@@ -16,9 +16,6 @@ namespace viewer
 class Captions
 {
 public:
-    // How a page looks that has captions.
-    static PageStyle Style();
-
     explicit Captions(Page& page) : page_(page) {}
 
     // Draws into the page's port what differs from what it shows. To be called after each round of

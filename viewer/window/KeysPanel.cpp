@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/window/KeysPanel.h"
 
-#include "viewer/window/TextPainter.h"
+#include "viewer/text/TextPainter.h"
 
 namespace viewer
 {

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "toolbox/quickdraw/QuickDraw.h"
-#include "viewer/window/Canvas.h"
+#include "viewer/text/Canvas.h"
 #include "viewer/window/WindowPart.h"
 
 #include <SDL.h>

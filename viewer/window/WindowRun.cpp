@@ -53,7 +53,7 @@ WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
       snapshots_(options.snapshots)
 {
     Page& page = work_.ThePage();
-    page.SetStyle(Captions::Style());
+    page.SetStyle(StyleWithText(), Page::Height::kGrows);
     page.SetIdleRhythm(IdleRhythm::Kind::kSlackening);
     input_.FitPage();
     gWatch = &watch_;

@@ -5,9 +5,9 @@
 
 #include "viewer/PageWork.h"
 #include "viewer/Snapshots.h"
+#include "viewer/text/Paragraphs.h"
 #include "viewer/window/Captions.h"
 #include "viewer/window/PageInput.h"
-#include "viewer/window/Paragraphs.h"
 #include "viewer/window/PictureSaver.h"
 #include "viewer/window/SoundDevice.h"
 #include "viewer/window/StreamWatch.h"

@@ -13,7 +13,7 @@ using viewer::EmbeddedObject;
 class GrowingPageTest : public PageFixture
 {
 protected:
-    GrowingPageTest() { page.SetStyle({10, 8, 30, 0, 0xF4}); }
+    GrowingPageTest() { page.SetStyle({10, 8, 30, 0, 0xF4}, viewer::Page::Height::kGrows); }
 
     EmbeddedObject& AddShown(const std::string& name)
     {

@@ -3,7 +3,7 @@
 // An e-mail as its reader sees it, in a real X server.
 #include "tests/viewer/Base64.h"
 #include "tests/viewer/window/RunningWindow.h"
-#include "viewer/window/TextPainter.h"
+#include "viewer/text/TextPainter.h"
 
 #include <gtest/gtest.h>
 
@@ -118,6 +118,50 @@ TEST_F(WindowMail, ItsTextStandsAboveAndBelowThePicture)
     EXPECT_TRUE(HasInk(shot, below, below + 40)) << "the text below";
     window.Do("key q");
     EXPECT_EQ(window.WaitForEnd().status, 0);
+}
+
+// The rows of both that hold nothing but text, or nothing.
+void ExpectSameText(const Screenshot& a, const Screenshot& b, int top)
+{
+    for (int y = 0; y < a.height; ++y) {
+        const bool isBesideText = y > top - 8 && y < top + kPictureHeight + kCaption;
+        for (int x = 0; x < a.width && !isBesideText; ++x) {
+            ASSERT_EQ(a.At(x, y), b.At(x, y)) << x << ", " << y;
+        }
+    }
+}
+
+TEST_F(WindowMail, ItsTextStandsAtTheSamePlacesInASnapshotWithoutAWindow)
+{
+    const HiddenScreen screen;
+    const std::string mail = folder.Write("shed.eml", MakeMail());
+    RunningWindow window(screen, {mail});
+    ASSERT_TRUE(window.WaitUntil([](const Screenshot& shot) { return PictureTop(shot) >= 0; }));
+    const Screenshot shot = window.Look();
+    const std::string snapshot = folder.Path("snapshot.png");
+    const std::string size = std::to_string(shot.width) + "x" + std::to_string(shot.height);
+    ASSERT_EQ(std::system((VORNVIEW " --headless --size " + size + " --snapshot " + snapshot + " " +
+                           mail + " > " + folder.Path("out"))
+                              .c_str()),
+              0);
+    const Screenshot unseen = ReadScreenshot(snapshot);
+    ASSERT_EQ(PictureTop(unseen), PictureTop(shot));
+    ExpectSameText(unseen, shot, PictureTop(shot));
+}
+
+TEST_F(WindowMail, ItsSnapshotWithoutAWindowHasTextThatCameOutOfAStream)
+{
+    const std::string mail = folder.Write("shed.eml", MakeMail());
+    const auto snapshotOf = [&](const std::string& object) {
+        const std::string path = folder.Path("snapshot.png");
+        const std::string command = VORNVIEW " --headless --snapshot " + path + " " + object +
+                                    " < " + mail + " > " + folder.Path("out");
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        return ReadScreenshot(path);
+    };
+    const Screenshot fromStream = snapshotOf("-");
+    EXPECT_TRUE(HasInk(fromStream, kMargin, kMargin + 21)) << "the greeting";
+    EXPECT_EQ(fromStream, snapshotOf(mail));
 }
 
 TEST_F(WindowMail, ThatComesOutOfAStreamTakesItsPlaceAboveOtherText)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/window/Paragraphs.h"
+#include "viewer/text/Paragraphs.h"
 
-#include "viewer/window/PageCanvas.h"
+#include "viewer/text/PageCanvas.h"
 
 #include <algorithm>
 #include <cmath>

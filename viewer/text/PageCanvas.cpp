@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/window/PageCanvas.h"
+#include "viewer/text/PageCanvas.h"
 
 #include "viewer/Rects.h"
 

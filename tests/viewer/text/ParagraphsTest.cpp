@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/window/Paragraphs.h"
+#include "viewer/text/Paragraphs.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ protected:
             GTEST_SKIP() << "this system has no font where fonts usually are";
         }
         paragraphs = std::make_unique<Paragraphs>(page);
-        page.SetStyle({kMargin, 8, 30, 0, 0xF4, kGap});
+        page.SetStyle({kMargin, 8, 30, 0, 0xF4, kGap}, Page::Height::kGrows);
     }
 
     void Show()
@@ -149,7 +149,7 @@ TEST(ParagraphsWithoutFont, TakeNoRoom)
 {
     Page page(300, 200);
     Paragraphs paragraphs(page, "/nonexistent.ttf");
-    page.SetStyle({kMargin, 8, 30, 0, 0xF4, kGap});
+    page.SetStyle({kMargin, 8, 30, 0, 0xF4, kGap}, Page::Height::kGrows);
     page.Texts().Add({kWords, 0});
     page.DrawChanges();
     EXPECT_EQ(page.ContentHeight(), 0);

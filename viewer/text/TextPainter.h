@@ -3,7 +3,7 @@
 // Writes text on a canvas, in a font of the system.
 #pragma once
 
-#include "viewer/window/Canvas.h"
+#include "viewer/text/Canvas.h"
 
 #include <map>
 #include <memory>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// The paragraphs of a page in a window.
+// The paragraphs of a page.
 #pragma once
 
-#include "viewer/Page.h"
-#include "viewer/window/TextPainter.h"
+#include "viewer/text/TextPainter.h"
+#include "viewer/text/TextPart.h"
 
 #include <string>
 #include <vector>
@@ -13,19 +13,18 @@ namespace viewer
 {
 
 // Wraps them to the page's width and writes them where the page has put them.
-class Paragraphs
+class Paragraphs : public TextWriter
 {
 public:
     // The page gives its paragraphs room from now on, if there is a font to write them in.
     // `fontFile`: see TextPainter.
     explicit Paragraphs(Page& page, const std::string& fontFile = {});
-    ~Paragraphs();
+    ~Paragraphs() override;
     Paragraphs(const Paragraphs&) = delete;
     Paragraphs& operator=(const Paragraphs&) = delete;
 
-    // Writes those into the page's port that have come to another place. To be called after each
-    // round of work.
-    void Update();
+    bool HasFont() const { return text_.HasFont(); }
+    void Update() override;
 
 private:
     // The lines of a paragraph, for as long as neither width nor zoom change.

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "viewer/Page.h"
-#include "viewer/window/Canvas.h"
+#include "viewer/text/Canvas.h"
 
 namespace viewer
 {

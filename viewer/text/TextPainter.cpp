@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/window/TextPainter.h"
+#include "viewer/text/TextPainter.h"
 
 #include <algorithm>
 #include <ft2build.h>

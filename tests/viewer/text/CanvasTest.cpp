@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "viewer/window/Canvas.h"
+#include "viewer/text/Canvas.h"
 
 #include <gtest/gtest.h>
 
