@@ -5,21 +5,17 @@
 // The time from starting a command until it has written a file, and the processor's time in it, for
 // two commands in turn; prints the medians and the first one's ratio to the second. The commands
 // are ended then. Exit status 1 if the ratio of the first is above GATE, 2 if a command ends
-// without the file. The processor's time hardly minds what else the machine does.
-#include "bench/Command.h"
-#include "bench/Medians.h"
+// without the file.
+#include "bench/Race.h"
 
 #include <poll.h>
 #include <sys/inotify.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <stdexcept>
 
 namespace
@@ -28,13 +24,6 @@ namespace
 namespace fs = std::filesystem;
 
 constexpr int kMostMilliseconds = 20000;
-
-struct Side {
-    fs::path file;
-    Command command;
-    std::vector<double> milliseconds;
-    std::vector<double> processorMilliseconds;
-};
 
 // Tells when a file has been written and closed, or moved to where it belongs.
 class FileWatch
@@ -82,75 +71,14 @@ private:
     int descriptor_;
 };
 
-double MillisecondsOf(const timeval& time)
+Racer TakeRacer(char**& at)
 {
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
-}
-
-// The processor's time that the process took.
-double End(pid_t process)
-{
-    rusage usage{};
-    kill(process, SIGKILL);
-    wait4(process, nullptr, 0, &usage);
-    return MillisecondsOf(usage.ru_utime) + MillisecondsOf(usage.ru_stime);
-}
-
-void MeasureUntilWritten(Side& side)
-{
-    const FileWatch watch(side.file);
-    const auto start = std::chrono::steady_clock::now();
-    const pid_t process = StartCommand(side.command);
-    try {
-        watch.Wait();
-    } catch (...) {
-        End(process);
-        throw;
-    }
-    const std::chrono::duration<double, std::milli> taken =
-        std::chrono::steady_clock::now() - start;
-    side.milliseconds.push_back(taken.count());
-    side.processorMilliseconds.push_back(End(process));
-}
-
-Side TakeSide(char**& at)
-{
-    Command words = TakeCommand(at);
-    Side side;
-    side.file = fs::absolute(words.front());
-    words.erase(words.begin());
-    side.command = std::move(words);
-    return side;
-}
-
-// Begins a line; the ratio of the two.
-double Tell(const char* name, const char* quantity, double our, double their)
-{
-    std::printf("%-34s %-13s %8.1f %-4s against %8.1f %-4s ratio %5.2f", name, quantity, our, "ms",
-                their, "ms", our / their);
-    return our / their;
-}
-
-bool Compare(char** argv)
-{
-    const int runs = std::max(1, std::atoi(argv[2]));
-    const double gate = std::atof(argv[3]);
-    char** at = argv + 4;
-    Side ours = TakeSide(at);
-    Side theirs = TakeSide(at);
-    for (int run = 0; run < runs; ++run) {
-        for (Side* side : {&ours, &theirs}) {
-            MeasureUntilWritten(*side);
-        }
-    }
-    const double ratio =
-        Tell(argv[1], "time", MedianOf(ours.milliseconds), MedianOf(theirs.milliseconds));
-    const bool holds = ratio <= gate;
-    std::printf("   gate <= %.2f  %s\n", gate, holds ? "ok" : "MISSED");
-    Tell(argv[1], "processor", MedianOf(ours.processorMilliseconds),
-         MedianOf(theirs.processorMilliseconds));
-    std::printf("\n");
-    return holds;
+    Racer racer;
+    racer.command = TakeCommand(at);
+    const fs::path file = fs::absolute(racer.command.front());
+    racer.command.erase(racer.command.begin());
+    racer.watch = [file] { return [watch = std::make_shared<FileWatch>(file)] { watch->Wait(); }; };
+    return racer;
 }
 
 } // namespace
@@ -163,7 +91,11 @@ int main(int argc, char** argv)
         return 2;
     }
     try {
-        return Compare(argv) ? 0 : 1;
+        char** at = argv + 4;
+        Racer ours = TakeRacer(at);
+        Racer theirs = TakeRacer(at);
+        const int runs = std::max(1, std::atoi(argv[2]));
+        return Race(argv[1], runs, std::atof(argv[3]), ours, theirs) ? 0 : 1;
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "bench_until: %s\n", failure.what());
         return 2;

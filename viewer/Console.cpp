@@ -18,6 +18,8 @@ constexpr auto kProgressInterval = std::chrono::milliseconds(250);
 bool gProgressIsShown = false;
 std::chrono::steady_clock::time_point gLastProgress;
 
+} // namespace
+
 const char* MeaningOf(OSErr error)
 {
     switch (error) {
@@ -25,6 +27,8 @@ const char* MeaningOf(OSErr error)
         return "there is no movie in it";
     case invalidMovie:
         return "the movie in it is damaged";
+    case noCodecErr:
+        return "the libraries that decode movies cannot be loaded";
     case kVornErrRenderFailed:
         return "it is damaged: not all of it could be shown";
     case kDataNotAvailableErr:
@@ -55,8 +59,6 @@ const char* MeaningOf(OSErr error)
         return "it could not be shown";
     }
 }
-
-} // namespace
 
 void Console::Tell(const std::string& name, const std::string& text)
 {

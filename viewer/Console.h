@@ -24,5 +24,7 @@ public:
 
 // What a result code means to a user, with its number.
 std::string DescribeError(OSErr error);
+// The same without its number.
+const char* MeaningOf(OSErr error);
 
 } // namespace viewer

@@ -99,6 +99,10 @@ void EmbeddedObject::GiveUpUnknownType()
         GiveUp(paramErr, "it is empty");
         return;
     }
+    if (IsMovieType(type) && !QuickTimePresent()) {
+        GiveUp(noCodecErr, MeaningOf(noCodecErr));
+        return;
+    }
     GiveUpSilently(paramErr, "nothing here can show type " + (type.empty() ? "unknown" : type));
     Console::Tell("", "nothing here can show " + Name() + " (type " +
                           (type.empty() ? "unknown" : type) + ", error " +
@@ -349,7 +353,10 @@ OSErr EmbeddedObject::Error() const
 
 OSErr EmbeddedObject::NothingInIt() const
 {
-    return IsImage() ? OSErr{kVornErrImageNoData} : OSErr{noMovieFound};
+    if (IsImage()) {
+        return kVornErrImageNoData;
+    }
+    return QuickTimePresent() ? OSErr{noMovieFound} : OSErr{noCodecErr};
 }
 
 // A damaged image may have something to show; one that lies below the page cannot draw.

@@ -32,6 +32,8 @@ public:
 private:
     void FinishInstant();
     void MakeTextWriter();
+    void TakeInBytes();
+    void DoRounds(int mostQuietRounds);
     bool WaitsForStream() const { return !work_.AwaitedStreams().empty(); }
 
     bool IsOver();

@@ -42,11 +42,6 @@ EntryPoints FindEntryPoints(void* code)
     return calls;
 }
 
-bool IsMovieType(const std::string& mimeType)
-{
-    return mimeType.starts_with("video/") || mimeType.starts_with("audio/");
-}
-
 bool DeclareMovies(const std::vector<DocumentType>& types)
 {
     return std::any_of(types.begin(), types.end(), [](const DocumentType& type) {
@@ -55,6 +50,11 @@ bool DeclareMovies(const std::vector<DocumentType>& types)
 }
 
 } // namespace
+
+bool IsMovieType(const std::string& mimeType)
+{
+    return mimeType.starts_with("video/") || mimeType.starts_with("audio/");
+}
 
 std::string CodeFileOf(const std::string& path)
 {

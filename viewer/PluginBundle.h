@@ -39,6 +39,9 @@ struct EntryPoints {
     decltype(&VornPluginFreeObject) freeObject = nullptr;
 };
 
+// Video or sound.
+bool IsMovieType(const std::string& mimeType);
+
 // Where a bundle at that path has its code.
 std::string CodeFileOf(const std::string& path);
 

@@ -2,6 +2,7 @@
 #include "viewer/Viewer.h"
 
 #include "viewer/Console.h"
+#include "viewer/ExpectedMovies.h"
 #include "viewer/FileLimit.h"
 #include "viewer/FolderObjects.h"
 #include "viewer/HeadlessRun.h"
@@ -88,6 +89,7 @@ Outcome RunInWindow(const Options& options, const PluginFolder& plugins)
 
 Outcome RunHeadless(const Options& options, const PluginFolder& plugins)
 {
+    PrepareExpectedMovies(options, plugins);
     HeadlessRun run(options, plugins);
     PageReport report = run.Run();
     return {std::move(report), run.OutputFailed()};
@@ -134,7 +136,7 @@ PageReport LookAtObjects(Options options, const PluginFolder& plugins)
     options.events.clear();
     options.snapshots.clear();
     options.drag = {};
-    return HeadlessRun(options, plugins).Run();
+    return RunHeadless(options, plugins).report;
 }
 
 int ShowInfo(const Options& options, const PluginFolder& plugins)

@@ -12,6 +12,8 @@
 #include "tests/sweep/FaultInjector.h"
 #include "tests/sweep/LeaksAllowed.h"
 #include "tests/sweep/Operations.h"
+#include "toolbox/quicktime/Movies.h"
+#include "toolbox/threads/Threads.h"
 
 #include <gtest/gtest.h>
 
@@ -105,6 +107,9 @@ void WarmUp(const SweptScenario& swept)
     static std::set<std::string> warm;
     if (warm.insert(swept.name).second) {
         swept.make()->Run();
+        while (!MoviesArePrepared()) { // files are open for that
+            YieldToAnyThread();
+        }
     }
 }
 

@@ -1,18 +1,28 @@
 // SPDX-License-Identifier: MIT
 #include "tests/toolbox/PlainDecode.h"
 
-#include "toolbox/quicktime/LibAV.h"
+#include "toolbox/quicktime/LibAVCalls.h"
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
-
-using namespace toolbox;
 
 namespace
 {
 
 constexpr int kBufferSize = 32768;
+
+// This program is linked to the libraries and asks nobody else for them.
+struct Freeing {
+    void operator()(AVFormatContext* it) const { avformat_close_input(&it); }
+    void operator()(AVCodecContext* it) const { avcodec_free_context(&it); }
+    void operator()(AVFrame* it) const { av_frame_free(&it); }
+    void operator()(AVPacket* it) const { av_packet_free(&it); }
+    void operator()(SwsContext* it) const { sws_freeContext(it); }
+};
+template <class T>
+using Owned = std::unique_ptr<T, Freeing>;
 
 // An I/O context over bytes in memory.
 struct Input {
@@ -70,7 +80,7 @@ public:
 
     PlainPictures All()
     {
-        const LibAVPtr<AVPacket> packet(av_packet_alloc());
+        const Owned<AVPacket> packet(av_packet_alloc());
         while (av_read_frame(format_.get(), packet.get()) >= 0) {
             if (packet->stream_index == stream_) {
                 avcodec_send_packet(decoder_.get(), packet.get());
@@ -92,7 +102,7 @@ public:
 private:
     void TakeFrames()
     {
-        const LibAVPtr<AVFrame> frame(av_frame_alloc());
+        const Owned<AVFrame> frame(av_frame_alloc());
         while (avcodec_receive_frame(decoder_.get(), frame.get()) >= 0) {
             Convert(*frame);
         }
@@ -102,7 +112,7 @@ private:
     {
         pictures_.width = frame.width;
         pictures_.height = frame.height;
-        const LibAVPtr<SwsContext> scaler(sws_getContext(
+        const Owned<SwsContext> scaler(sws_getContext(
             frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), frame.width,
             frame.height, AV_PIX_FMT_BGRA, SWS_BICUBIC, nullptr, nullptr, nullptr));
         const size_t stride = static_cast<size_t>(frame.width) * 4 + 64;
@@ -122,9 +132,9 @@ private:
     }
 
     Input input_;
-    LibAVPtr<AVFormatContext> format_;
+    Owned<AVFormatContext> format_;
     AVIOContext* io_ = nullptr;
-    LibAVPtr<AVCodecContext> decoder_;
+    Owned<AVCodecContext> decoder_;
     int stream_ = -1;
     PlainPictures pictures_;
 };

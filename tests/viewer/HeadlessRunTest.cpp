@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/HeadlessRun.h"
 
+#include "tests/support/ToolboxProbe.h"
 #include "tests/viewer/FakePlugins.h"
 #include "tests/viewer/TestFiles.h"
 #include "toolbox/Errors.h"
@@ -158,6 +159,15 @@ TEST_F(HeadlessRunTest, AnObjectThatNoBundleShowsIsTold)
     EXPECT_EQ(report.objects[0].error, paramErr);
     EXPECT_TRUE(Told("nothing here can show " + folder.Path("a.txt") + " (type unknown"));
     EXPECT_TRUE(Told("nothing here can show " + folder.Path("b.txt") + " (type text/plain"));
+}
+
+TEST_F(HeadlessRunTest, AMovieThatNobodyShowsForWantOfLibrariesIsTold)
+{
+    options.objects.push_back({folder.Write("a.txt", "hello"), "video/other", 0x1F});
+    test::ToolboxProbe probe;
+    probe.Fail("QuickTimePresent", paramErr);
+    EXPECT_EQ(Run().objects[0].error, noCodecErr);
+    EXPECT_TRUE(Told("a.txt: the libraries that decode movies cannot be loaded (error -8961)"));
 }
 
 TEST_F(HeadlessRunTest, AnEmptyFileHasNoMovie)

@@ -14,6 +14,8 @@ namespace
 
 // How much one slice takes in: enough to keep up with any arrival, little enough to be over soon.
 constexpr SInt64 kBytesPerSlice = SInt64{256} * 1024;
+constexpr SInt64 kBytesPerSmallSlice = SInt64{16} * 1024;
+constexpr int kMostSmallSlices = 4; // where nobody draws it
 constexpr int kPacketsPerSlice = 256;
 // A systems stream that has shown no picture after this much has only sound.
 constexpr SInt64 kSoundAloneAfter = SInt64{256} * 1024;
@@ -65,15 +67,16 @@ void MovieRecord::Slice()
         return;
     }
     const BusyMark mark(isBusy_);
-    TakeInSome();
     OpenSome(kPacketsPerSlice);
+    TakeInSome();
     if (isPlaying_) {
         PlayDue();
     }
     DrawIfNew();
 }
 
-// Once everything is there, whatever is left is taken in slice by slice.
+// Once everything is there, whatever is left is taken in slice by slice: in small ones while
+// somebody waits for the first picture.
 void MovieRecord::TakeInSome()
 {
     const SInt64 budget =
@@ -82,7 +85,8 @@ void MovieRecord::TakeInSome()
         return;
     }
     const SInt64 before = index_->BytesTaken();
-    index_->TakeIn(std::min(budget, kBytesPerSlice));
+    const bool isPictureAwaited = video_ && !isDrawn_ && smallSlices_++ < kMostSmallSlices;
+    index_->TakeIn(std::min(budget, isPictureAwaited ? kBytesPerSmallSlice : kBytesPerSlice));
     indexBudget_.Spend(index_->BytesTaken() - before);
 }
 
@@ -96,6 +100,8 @@ bool MovieRecord::IsEverythingThere() const
 void MovieRecord::OpenCompletely()
 {
     const BusyMark mark(isBusy_);
+    play_->Insist();
+    index_->Stream().Insist();
     OpenSome(INT32_MAX);
 }
 
@@ -116,7 +122,7 @@ void MovieRecord::OpenSome(int mostPackets)
         } else if (step == Step::kWaiting) {
             return;
         } else if (step != Step::kPacket) {
-            Fail(noMovieFound);
+            Fail(play_->LacksLibraries() ? noCodecErr : noMovieFound);
         }
     }
 }

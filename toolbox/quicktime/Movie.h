@@ -144,6 +144,7 @@ private:
     bool isPlayable_ = false;
     bool isStopped_ = false;
     bool isBusy_ = false;
+    int smallSlices_ = 0;
     bool isActive_ = false;
     bool isAnnouncedForgotten_ = false;
 

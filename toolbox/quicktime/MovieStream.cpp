@@ -42,8 +42,8 @@ const char* DemuxerName(StreamKind kind)
 void FreeInput(AVIOContext* input)
 {
     if (input != nullptr) {
-        av_freep(&input->buffer);
-        avio_context_free(&input);
+        LibAV().av_freep(&input->buffer);
+        LibAV().avio_context_free(&input);
     }
 }
 
@@ -51,11 +51,8 @@ void FreeInput(AVIOContext* input)
 
 MovieStream::MovieStream(DataHandlerClient& handler, Sniffed start, std::vector<UInt8> prologue)
     : handler_(handler), bytes_(handler), start_(start), prologue_(std::move(prologue)),
-      packet_(av_packet_alloc()), fiber_([this] { Run(); }, kFiberStackSize)
+      fiber_([this] { Run(); }, kFiberStackSize)
 {
-    if (!packet_) {
-        throw std::bad_alloc();
-    }
 }
 
 MovieStream::~MovieStream()
@@ -84,8 +81,8 @@ Nanoseconds MovieStream::AnnouncedDuration() const
     for (unsigned i = 0; format_ && i < format_->nb_streams; ++i) {
         const AVStream& stream = *format_->streams[i];
         if (stream.duration != AV_NOPTS_VALUE && stream.duration > 0) {
-            longest =
-                std::max(longest, av_rescale_q(stream.duration, stream.time_base, kNanosecondBase));
+            longest = std::max(
+                longest, LibAV().av_rescale_q(stream.duration, stream.time_base, kNanosecondBase));
         }
     }
     return longest;
@@ -94,21 +91,46 @@ Nanoseconds MovieStream::AnnouncedDuration() const
 void MovieStream::Run()
 {
     const bool isKnown = start_.kind != StreamKind::kUnknown || FindStart();
-    bool hasPackets = isKnown && OpenFormat();
+    const bool canBeRead = isKnown && AwaitLibraries() && MakePacket();
+    bool hasPackets = canBeRead && OpenFormat();
     if (hasPackets) {
         ReadPackets();
-    } else if (isKnown && start_.kind == StreamKind::kAudio) {
+    } else if (canBeRead && start_.kind == StreamKind::kAudio) {
         hasPackets = ReadBareFrames();
     }
     step_ = hasPackets ? Step::kEnded : Step::kFailed;
+}
+
+// While movies are held, the time goes back to whoever lent it.
+bool MovieStream::AwaitLibraries()
+{
+    LibAVLoader& loader = LibAVLoader::Shared();
+    loader.Begin();
+    while (mayBeHeld_ && AreMoviesHeld() && !bytes_.IsStopped()) {
+        isHeld_ = true;
+        fiber_.Suspend();
+    }
+    isHeld_ = false;
+    if (bytes_.IsStopped()) {
+        return false;
+    }
+    lacksLibraries_ = !loader.Await();
+    return !lacksLibraries_;
+}
+
+bool MovieStream::MakePacket()
+{
+    packet_.reset(LibAV().av_packet_alloc());
+    return packet_ != nullptr;
 }
 
 // Sound of so few frames that its demultiplexer does not believe in it is found by their headers
 // alone.
 bool MovieStream::ReadBareFrames()
 {
-    format_.reset(avformat_alloc_context());
-    AVStream* const stream = format_ ? avformat_new_stream(format_.get(), nullptr) : nullptr;
+    format_.reset(LibAV().avformat_alloc_context());
+    AVStream* const stream =
+        format_ ? LibAV().avformat_new_stream(format_.get(), nullptr) : nullptr;
     if (stream == nullptr) {
         return false;
     }
@@ -185,19 +207,19 @@ bool MovieStream::FindStart()
 bool MovieStream::OpenFormat()
 {
     offset_ = start_.start;
-    format_.reset(avformat_alloc_context());
-    auto* const buffer = static_cast<UInt8*>(av_malloc(kReadBufferSize));
+    format_.reset(LibAV().avformat_alloc_context());
+    auto* const buffer = static_cast<UInt8*>(LibAV().av_malloc(kReadBufferSize));
     if (!format_ || buffer == nullptr) {
-        av_free(buffer);
+        LibAV().av_free(buffer);
         return false;
     }
-    format_->pb =
-        avio_alloc_context(buffer, kReadBufferSize, 0, this, ReadCallback, nullptr, SizeCallback);
+    format_->pb = LibAV().avio_alloc_context(buffer, kReadBufferSize, 0, this, ReadCallback,
+                                             nullptr, SizeCallback);
     format_->pb->seekable = 0;
     AVIOContext* input = format_->pb;
     AVFormatContext* opening = format_.release();
-    const int err = avformat_open_input(&opening, nullptr,
-                                        av_find_input_format(DemuxerName(start_.kind)), nullptr);
+    const int err = LibAV().avformat_open_input(
+        &opening, nullptr, LibAV().av_find_input_format(DemuxerName(start_.kind)), nullptr);
     format_.reset(opening);
     if (err < 0) {
         FreeInput(input);
@@ -208,10 +230,10 @@ bool MovieStream::OpenFormat()
 
 void MovieStream::ReadPackets()
 {
-    while (av_read_frame(format_.get(), packet_.get()) >= 0) {
+    while (LibAV().av_read_frame(format_.get(), packet_.get()) >= 0) {
         step_ = Step::kPacket;
         fiber_.Suspend();
-        av_packet_unref(packet_.get());
+        LibAV().av_packet_unref(packet_.get());
         if (bytes_.IsStopped()) {
             break;
         }

@@ -39,8 +39,10 @@ OSErr Note(OSErr err)
 // is cut off.
 TimeValue ToTimeValue(Nanoseconds time)
 {
-    const SInt64 units =
-        av_rescale_rnd(std::max<SInt64>(0, time), kMovieTimeScale, kSecond, AV_ROUND_UP);
+    if (time <= 0) {
+        return 0; // also while the codecs are being loaded
+    }
+    const SInt64 units = LibAV().av_rescale_rnd(time, kMovieTimeScale, kSecond, AV_ROUND_UP);
     return static_cast<TimeValue>(std::min<SInt64>(units, INT32_MAX));
 }
 
@@ -88,8 +90,7 @@ const ToolboxSoundSink& SoundSink()
 
 Boolean QuickTimePresent(void)
 {
-    return Announce("QuickTimePresent") == noErr &&
-           avcodec_find_decoder(AV_CODEC_ID_MPEG1VIDEO) != nullptr;
+    return Announce("QuickTimePresent") == noErr && LibAVLoader::Shared().ArePresent();
 }
 
 OSErr EnterMovies(void)
@@ -97,7 +98,7 @@ OSErr EnterMovies(void)
     if (const OSErr err = Announce("EnterMovies")) {
         return Note(err);
     }
-    av_log_set_level(AV_LOG_QUIET); // what is wrong with the data is told by codes, not by lines
+    LibAVLoader::Shared().Begin();
     return Note(noErr);
 }
 

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/window/WindowRun.h"
 
+#include "viewer/ExpectedMovies.h"
 #include "viewer/ObjectDrag.h"
 #include "viewer/PageClock.h"
 #include "viewer/StopRequest.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace viewer
 {
@@ -42,11 +44,20 @@ std::string TitleOf(const Options& options)
     return name + (others == 0 ? "" : " and " + std::to_string(others) + " more") + " - vornview";
 }
 
+// The libraries for movies are loaded while the display is opened. Of that, only the first step
+// loads one, too; it would have to wait.
+PageWindow OpenWindow(const Options& options, const PluginFolder& plugins)
+{
+    SDL_InitSubSystem(0);
+    PrepareExpectedMovies(options, plugins);
+    return {TitleOf(options), options.width, options.height};
+}
+
 } // namespace
 
 WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
-    : options_(options), window_(TitleOf(options), options.width, options.height),
-      wakeEvent_(SDL_RegisterEvents(1)), watch_(wakeEvent_),
+    : options_(options), wakeEvent_(SDL_RegisterEvents(1)), watch_(std::in_place, wakeEvent_),
+      window_(OpenWindow(options, plugins)),
       sound_(options.wavPath.empty() ? std::make_unique<SoundDevice>() : nullptr),
       work_(options, plugins, *this), captions_(work_.ThePage()), paragraphs_(work_.ThePage()),
       input_(work_.ThePage(), window_), saver_(work_.ThePage(), options.picturesFolder),
@@ -56,7 +67,7 @@ WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
     page.SetStyle(StyleWithText(), Page::Height::kGrows);
     page.SetIdleRhythm(IdleRhythm::Kind::kSlackening);
     input_.FitPage();
-    gWatch = &watch_;
+    gWatch = &*watch_;
     SetStopAlarm(WakeWatch);
 }
 
@@ -64,6 +75,8 @@ WindowRun::~WindowRun()
 {
     SetStopAlarm(nullptr);
     gWatch = nullptr;
+    watch_.reset(); // it pushes events as long as there is a display
+    HoldMovies(false);
 }
 
 PageReport WindowRun::Run()
@@ -114,14 +127,15 @@ void WindowRun::HandleWish()
     }
 }
 
-// As long as anything moves, but not so long that the user would feel it.
+// As long as anything moves, but not so long that the user would feel it. The first picture of all
+// is what he waits for.
 void WindowRun::DoRounds()
 {
     work_.ThePage().SetView(window_.View());
     const SInt64 end = clock_.Now() + kLongestWork;
     do {
         DoRound();
-    } while (!IsAtRest() && clock_.Now() < end);
+    } while (!IsAtRest() && clock_.Now() < end && !std::exchange(hasFirstPicture_, false));
     if (sound_ != nullptr) {
         sound_->Tend(clock_);
     }
@@ -129,9 +143,11 @@ void WindowRun::DoRounds()
 
 void WindowRun::DoRound()
 {
+    HoldMovies(!MoviesArePrepared());
     PageWork::Mark before = work_.Look();
     work_.DoRound();
     const PageWork::Mark after = work_.Look();
+    hasFirstPicture_ = before.pictures == 0 && after.pictures > 0;
     before.soundFrames = after.soundFrames; // sound comes with every microsecond that passes
     quietRounds_ = after == before ? quietRounds_ + 1 : 0;
     captionsAreStale_ = captionsAreStale_ || quietRounds_ == 0;
@@ -171,7 +187,7 @@ void WindowRun::Sleep()
     if (!IsAtRest()) {
         return;
     }
-    watch_.Watch(work_.AwaitedStreams());
+    watch_->Watch(work_.AwaitedStreams());
     const SInt64 next = NextInstant();
     if (next == INT64_MAX) {
         mayHaveEvents_ = SDL_WaitEvent(nullptr) != 0;

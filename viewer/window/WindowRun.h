@@ -47,9 +47,10 @@ private:
 
     const Options& options_;
     WindowClock clock_;
-    PageWindow window_;
     UInt32 wakeEvent_;
-    StreamWatch watch_;
+    // Its thread begins before libraries are loaded beside this one: the system would let it wait.
+    std::optional<StreamWatch> watch_;
+    PageWindow window_;
     std::unique_ptr<SoundDevice> sound_; // none if the page's sound goes to a file
     PageWork work_;
     Captions captions_;
@@ -60,6 +61,7 @@ private:
     bool dragFailed_ = false;
     bool mayHaveEvents_ = true; // false right after a wait in vain
     int quietRounds_ = 0;
+    bool hasFirstPicture_ = false; // and it has not been shown
     bool captionsAreStale_ = true;
     SInt64 captionsDue_ = 0;
 };

@@ -21,6 +21,7 @@ namespace
 
 constexpr auto kLook = std::chrono::milliseconds(50);
 constexpr int kMostLooks = 400; // patience for a machine that is busy
+constexpr int kLooksAtRest = 5;
 
 bool Succeeds(const std::string& command)
 {
@@ -175,6 +176,18 @@ std::string RunningWindow::State() const
     }
     return state + "screen " + std::to_string(last.width) + "x" + std::to_string(last.height) +
            "; it said: " + folder_.Read("out") + folder_.Read("err");
+}
+
+Screenshot RunningWindow::LookAtRest() const
+{
+    Screenshot last = Look();
+    int timesSame = 0;
+    WaitUntil([&](const Screenshot& shot) {
+        timesSame = shot == last ? timesSame + 1 : 0;
+        last = shot;
+        return timesSame == kLooksAtRest;
+    });
+    return last;
 }
 
 void RunningWindow::Do(const std::string& commands) const

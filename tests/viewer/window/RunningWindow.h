@@ -52,6 +52,9 @@ public:
     // Looks until it is as expected; false, and a line about what is there instead, if that takes
     // too long.
     bool WaitUntil(const std::function<bool(const Screenshot&)>& isAsExpected) const;
+    // What it shows when that has not changed for a while: the first picture comes before the rest of
+    // a clip has been taken in.
+    Screenshot LookAtRest() const;
     // Commands for xdotool.
     void Do(const std::string& commands) const;
     void Signal(int number) const;

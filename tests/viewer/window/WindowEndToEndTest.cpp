@@ -197,7 +197,7 @@ TEST_F(WindowEndToEnd, F1ShowsTheKeysAndEscapeHidesThem)
 {
     RunningWindow window(*screen, {Clip("silent.mpg")});
     ASSERT_TRUE(window.WaitUntil(ShowsPicture));
-    const Screenshot before = window.Look();
+    const Screenshot before = window.LookAtRest();
     window.Do("key F1");
     EXPECT_TRUE(
         window.WaitUntil([](const Screenshot& shot) { return shot.At(500, 230) == 0xFDFDFE; }));
