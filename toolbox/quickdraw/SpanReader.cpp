@@ -200,9 +200,13 @@ SpanReader::Rows SpanReader::FetchRows(int row, int count)
     if (AveragesPixels()) {
         return {view_.Row(row) + ptrdiff_t{view_.Column(firstColumn_)} * 4, view_.rowBytes};
     }
-    for (int i = 0; i < count; ++i) {
-        FetchWeighted(row + i, firstColumn_, columnCount_,
-                      scratch_.fetched.data() + ptrdiff_t{columnCount_} * i);
+    // The row that one row of the target ends with is often that which the next one begins with.
+    if (count > 1 || row != fetchedRow_) {
+        for (int i = 0; i < count; ++i) {
+            FetchWeighted(row + i, firstColumn_, columnCount_,
+                          scratch_.fetched.data() + ptrdiff_t{columnCount_} * i);
+        }
+        fetchedRow_ = row;
     }
     return {reinterpret_cast<const UInt8*>(scratch_.fetched.data()), ptrdiff_t{columnCount_} * 4};
 }

@@ -65,12 +65,13 @@ public:
     int Column(int h) const { return view_.Column(h - columns_.to + columns_.from); }
 
 private:
-    void Fetch(int row, int column, int count, Color* colors) const;
-    void MakeRow(int v);
     struct Rows {
         const UInt8* first;
         ptrdiff_t rowBytes;
     };
+
+    void Fetch(int row, int column, int count, Color* colors) const;
+    void MakeRow(int v);
     Rows FetchRows(int row, int count);
     void FetchWeighted(int row, int column, int count, Color* colors) const;
     void SumRows(const SourceRange& rows);
@@ -91,7 +92,7 @@ private:
     bool hasLongRows_ = false;
     bool hasLongColumns_ = false;
     int madeRow_ = kNoRow;    // the target's row in scratch_.made
-    int fetchedRow_ = kNoRow; // the source's row in scratch_.fetched
+    int fetchedRow_ = kNoRow; // the source's row that scratch_.fetched begins with
 };
 
 } // namespace toolbox
