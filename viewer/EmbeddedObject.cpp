@@ -61,7 +61,7 @@ void EmbeddedObject::Start(const PluginBundle& bundle)
     ++timesStarted_;
     const BundleCall call(this);
     if (const OSErr error = plugin_.Make(bundle, description_); error != noErr) {
-        GiveUp(error, "its plug-in could not be started");
+        LacksCodecs() ? GiveUpMovie() : GiveUp(error, "its plug-in could not be started");
         return;
     }
     state_ = State::kDecoding;
@@ -99,14 +99,25 @@ void EmbeddedObject::GiveUpUnknownType()
         GiveUp(paramErr, "it is empty");
         return;
     }
-    if (IsMovieType(type) && !QuickTimePresent()) {
-        GiveUp(noCodecErr, MeaningOf(noCodecErr));
+    if (LacksCodecs()) {
+        GiveUpMovie();
         return;
     }
     GiveUpSilently(paramErr, "nothing here can show type " + (type.empty() ? "unknown" : type));
     Console::Tell("", "nothing here can show " + Name() + " (type " +
                           (type.empty() ? "unknown" : type) + ", error " +
                           std::to_string(startError_) + ")");
+}
+
+// That may turn out at any time while they are being loaded.
+bool EmbeddedObject::LacksCodecs() const
+{
+    return IsMovieType(description_.type.mimeType) && !QuickTimePresent();
+}
+
+void EmbeddedObject::GiveUpMovie()
+{
+    GiveUp(noCodecErr, MeaningOf(noCodecErr));
 }
 
 // Whoever sends the bytes need not go on.

@@ -131,6 +131,8 @@ public:
 private:
     static void* DecodeOnThread(void* object);
     void Decode();
+    bool LacksCodecs() const;
+    void GiveUpMovie();
     void GiveUpSilently(OSErr error, const std::string& why);
     OSErr Error() const;
     OSErr NothingInIt() const;

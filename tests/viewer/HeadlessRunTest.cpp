@@ -170,6 +170,15 @@ TEST_F(HeadlessRunTest, AMovieThatNobodyShowsForWantOfLibrariesIsTold)
     EXPECT_TRUE(Told("a.txt: the libraries that decode movies cannot be loaded (error -8961)"));
 }
 
+TEST_F(HeadlessRunTest, AMovieWhoseLibrariesFailAsItIsMadeIsToldToLackThem)
+{
+    Add("a-badmake");
+    test::ToolboxProbe probe;
+    probe.Fail("QuickTimePresent", paramErr);
+    EXPECT_EQ(Run().objects[0].error, noCodecErr);
+    EXPECT_TRUE(Told("a-badmake.fake: the libraries that decode movies cannot be loaded"));
+}
+
 TEST_F(HeadlessRunTest, AnEmptyFileHasNoMovie)
 {
     Add("empty-never", 0);
