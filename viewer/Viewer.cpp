@@ -79,6 +79,12 @@ struct Outcome {
 };
 
 // Throws NoDisplay and PartMissing.
+#ifdef VORN_WITHOUT_WINDOW
+Outcome RunInWindow(const Options&, const PluginFolder&)
+{
+    throw NoDisplay("this vornview was built without one; build it with SDL2 and FreeType");
+}
+#else
 Outcome RunInWindow(const Options& options, const PluginFolder& plugins)
 {
     const auto run = ViewerPart("VornWindow").Find<decltype(VornRunInWindow)>("VornRunInWindow");
@@ -86,6 +92,7 @@ Outcome RunInWindow(const Options& options, const PluginFolder& plugins)
     run(options, plugins, outcome.report, outcome.outputFailed);
     return outcome;
 }
+#endif
 
 Outcome RunHeadless(const Options& options, const PluginFolder& plugins)
 {
