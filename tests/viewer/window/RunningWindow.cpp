@@ -54,7 +54,9 @@ bool HiddenScreen::IsPossible()
            Succeeds("command -v import");
 }
 
-// The server picks a free number and tells it when it is ready.
+// The server picks a free number and tells it when it is ready. It must not begin anew when its
+// last client leaves, as such servers do: whoever comes at that moment is turned away, be it the
+// program that is to be looked at.
 HiddenScreen::HiddenScreen()
 {
     std::array<int, 2> ends{};
@@ -67,7 +69,7 @@ HiddenScreen::HiddenScreen()
         SendTo("/dev/null", STDERR_FILENO);
         const std::string size = std::to_string(kWidth) + "x" + std::to_string(kHeight) + "x24";
         Become({"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", size, "-nolisten",
-                "tcp"});
+                "tcp", "-noreset"});
     }
     close(ends[1]);
     char digit = 0;
