@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "tests/image/ScriptedWorlds.h"
 
+#include "tests/support/RectText.h"
+
 #include <sstream>
 
 namespace test
@@ -23,13 +25,6 @@ std::string NameOf(const void* address)
     if (address == ScriptedWorlds::ThePortBefore())
         return "portBefore";
     return address == ScriptedWorlds::TheDeviceBefore() ? "deviceBefore" : "other";
-}
-
-std::string TextOf(const Rect& rect)
-{
-    std::ostringstream text;
-    text << rect.top << ',' << rect.left << ',' << rect.bottom << ',' << rect.right;
-    return text.str();
 }
 
 template <class... Parts>
@@ -76,13 +71,13 @@ void ResetWorlds()
 
 using test::NameOf;
 using test::Note;
-using test::TextOf;
+using test::Text;
 using test::Worlds;
 
 OSErr NewGWorld(GWorldPtr* world, SInt16 pixelDepth, const Rect* bounds, CTabHandle colors,
                 GDHandle device, GWorldFlags flags)
 {
-    Note("NewGWorld depth ", pixelDepth, " bounds ", TextOf(*bounds), " colors ",
+    Note("NewGWorld depth ", pixelDepth, " bounds ", Text(*bounds), " colors ",
          colors == nullptr ? "null" : "given", " device ", NameOf(device), " flags ", flags);
     *world = Worlds().newGWorldResult == 0 ? test::ScriptedWorlds::TheWorld() : nullptr;
     return Worlds().newGWorldResult;
@@ -142,7 +137,7 @@ Rect* GetPortBounds(CGrafPtr port, Rect* bounds)
 
 void EraseRect(const Rect* rect)
 {
-    Note("EraseRect ", TextOf(*rect));
+    Note("EraseRect ", Text(*rect));
 }
 
 Ptr GetPixBaseAddr(PixMapHandle pixels)

@@ -6,6 +6,7 @@
 #include "toolbox/probe/Announce.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <new>
 #include <unordered_map>
@@ -157,42 +158,28 @@ size_t SlotsOf(ProcInfoType procInfo)
 template <size_t>
 using SlotAt = ComponentSlot;
 
+using SlotCaller = ComponentResult (*)(ComponentFunction, void* storage, const ComponentSlot*);
+
 // Calls a routine by its own type, that of a function with one slot for each index.
 template <size_t... Index>
-ComponentResult CallWithSlots(ComponentFunction function, void* storage, const ComponentSlot* slots,
-                              std::index_sequence<Index...>)
+constexpr SlotCaller CallerFor(std::index_sequence<Index...>)
 {
-    using Routine = ComponentResult (*)(void*, SlotAt<Index>...);
-    return reinterpret_cast<Routine>(function)(storage, slots[Index]...);
+    const auto call = [](ComponentFunction function, void* storage,
+                         [[maybe_unused]] const ComponentSlot* slots) {
+        using Routine = ComponentResult (*)(void*, SlotAt<Index>...);
+        return reinterpret_cast<Routine>(function)(storage, slots[Index]...);
+    };
+    return call;
 }
 
-ComponentResult CallWithSlots(ComponentFunction function, void* storage, const ComponentSlot* slots,
-                              size_t count)
+template <size_t... Count>
+constexpr auto CallersFor(std::index_sequence<Count...>)
 {
-    switch (count) {
-    case 0:
-        return CallWithSlots(function, storage, slots, std::make_index_sequence<0>());
-    case 1:
-        return CallWithSlots(function, storage, slots, std::make_index_sequence<1>());
-    case 2:
-        return CallWithSlots(function, storage, slots, std::make_index_sequence<2>());
-    case 3:
-        return CallWithSlots(function, storage, slots, std::make_index_sequence<3>());
-    case 4:
-        return CallWithSlots(function, storage, slots, std::make_index_sequence<4>());
-    case 5:
-        return CallWithSlots(function, storage, slots, std::make_index_sequence<5>());
-    case 6:
-        return CallWithSlots(function, storage, slots, std::make_index_sequence<6>());
-    case 7:
-        return CallWithSlots(function, storage, slots, std::make_index_sequence<7>());
-    case kComponentMaxSlots:
-        return CallWithSlots(function, storage, slots,
-                             std::make_index_sequence<kComponentMaxSlots>());
-    default:
-        return badComponentSelector;
-    }
+    return std::array{CallerFor(std::make_index_sequence<Count>())...};
 }
+
+// By the number of slots.
+constexpr auto kSlotCallers = CallersFor(std::make_index_sequence<kComponentMaxSlots + 1>());
 
 } // namespace
 
@@ -323,7 +310,9 @@ ComponentResult CallComponentFunctionWithStorageProcInfo(void* storage, Componen
     if (params == nullptr || function == nullptr || procInfo == 0) {
         return badComponentSelector;
     }
-    return CallWithSlots(function, storage, params->params, SlotsOf(procInfo));
+    const size_t slots = SlotsOf(procInfo);
+    return slots < kSlotCallers.size() ? kSlotCallers[slots](function, storage, params->params)
+                                       : ComponentResult{badComponentSelector};
 }
 
 ComponentResult CallComponent(ComponentInstance instance, ComponentParameters* params)
