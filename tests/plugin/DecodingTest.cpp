@@ -25,51 +25,55 @@ namespace
 
 using Steps = std::vector<std::string>;
 
+// Steps as they are taken, and the one that is to fail.
+struct StepLog {
+    void Take(const std::string& name)
+    {
+        steps.push_back(name);
+        if (name == failing)
+            throw OSErr{ioErr};
+    }
+    Steps steps;
+    std::string failing;
+};
+
 // A data source that writes its steps down and can fail in each.
 class StepDataSource : public VornDataSource
 {
 public:
-    explicit StepDataSource(Steps& log, const std::string& failing) : steps(log), fails(failing) {}
-    ~StepDataSource() override { steps.push_back("destroy"); }
-    void PrepareDataSource() override { Step("prepare"); }
-    void TerminateDataSource() override { Step("terminate"); }
+    explicit StepDataSource(StepLog& log) : log_(log) {}
+    ~StepDataSource() override { log_.steps.push_back("destroy"); }
+    void PrepareDataSource() override { log_.Take("prepare"); }
+    void TerminateDataSource() override { log_.Take("terminate"); }
     OSErr GetBytes(void*, SInt32, SInt32*) override { return noErr; }
     UInt8* GetBytesDataPtr(SInt32, SInt32) override { return nullptr; }
     OSErr FetchDataFromSource(void*, SInt32, SInt32*, unsigned char) override { return noErr; }
 
 private:
-    void Step(const std::string& name)
-    {
-        steps.push_back(name);
-        if (name == fails)
-            throw OSErr{ioErr};
-    }
-    Steps& steps;
-    const std::string& fails;
+    StepLog& log_;
 };
 
 // An object that does the same.
 class StepPlugin : public test::TestPlugin
 {
 public:
-    StepPlugin(CFBundleRef ownBundle, Steps& log, const std::string& failing)
-        : TestPlugin(ownBundle), steps(log), fails(failing)
+    StepPlugin(CFBundleRef ownBundle, StepLog& log) : TestPlugin(ownBundle), log_(log)
     {
-        dataSource = new StepDataSource(log, failing);
+        dataSource = new StepDataSource(log);
     }
     void Render() override
     {
-        Step("render");
+        log_.Take("render");
         TestPlugin::Render();
     }
     void FinishRendering() override
     {
-        Step("finish");
+        log_.Take("finish");
         TestPlugin::FinishRendering();
     }
     void DisposeDecodingData() override
     {
-        Step("dispose");
+        log_.Take("dispose");
         TestPlugin::DisposeDecodingData();
     }
     OSErr ConvertError(OSErr err) override
@@ -81,14 +85,7 @@ public:
     int conversions = 0;
 
 private:
-    void Step(const std::string& name)
-    {
-        steps.push_back(name);
-        if (name == fails)
-            throw OSErr{ioErr};
-    }
-    Steps& steps;
-    const std::string& fails;
+    StepLog& log_;
 };
 
 class Decoding : public testing::Test
@@ -102,9 +99,8 @@ protected:
 
     test::TestBundle bundle;
     test::ScriptedHost host;
-    Steps steps;
-    std::string failing;
-    StepPlugin object{bundle.Get(), steps, failing};
+    StepLog log;
+    StepPlugin object{bundle.Get(), log};
 };
 
 } // namespace
@@ -112,7 +108,7 @@ protected:
 TEST_F(Decoding, TakesItsStepsInOrder)
 {
     EXPECT_EQ(Decode(), noErr);
-    EXPECT_EQ(steps, (Steps{"prepare", "render", "finish", "dispose", "terminate"}));
+    EXPECT_EQ(log.steps, (Steps{"prepare", "render", "finish", "dispose", "terminate"}));
     EXPECT_EQ(host.renderingDone, std::vector<OSErr>{noErr});
 }
 
@@ -140,7 +136,7 @@ TEST_F(Decoding, KeepsAnErrorOfRenderingAndThrowsItLast)
 {
     object.render = [] { throw OSErr{memFullErr}; };
     EXPECT_EQ(Decode(), memFullErr);
-    EXPECT_EQ(steps, (Steps{"prepare", "render", "finish", "dispose", "terminate"}));
+    EXPECT_EQ(log.steps, (Steps{"prepare", "render", "finish", "dispose", "terminate"}));
     EXPECT_EQ(host.renderingDone, std::vector<OSErr>{memFullErr});
     EXPECT_EQ(object.renderingError, memFullErr);
     EXPECT_EQ(object.GetRenderingError(), memFullErr);
@@ -212,7 +208,7 @@ TEST_F(Decoding, ItsErrorIsNotKnownBeforeRenderingHasFinished)
         EXPECT_EQ(object.GetRenderingError(), kVornErrStillRendering);
         throw OSErr{memFullErr};
     };
-    failing = "finish";
+    log.failing = "finish";
     Decode();
     EXPECT_EQ(object.renderingError, memFullErr);
     EXPECT_EQ(object.GetRenderingError(), kVornErrStillRendering);
@@ -220,32 +216,32 @@ TEST_F(Decoding, ItsErrorIsNotKnownBeforeRenderingHasFinished)
 
 TEST_F(Decoding, AFailureToPrepareEndsItAtOnce)
 {
-    failing = "prepare";
+    log.failing = "prepare";
     EXPECT_EQ(Decode(), ioErr);
-    EXPECT_EQ(steps, Steps{"prepare"});
+    EXPECT_EQ(log.steps, Steps{"prepare"});
     EXPECT_TRUE(host.calls.empty());
     EXPECT_NE(object.decodingThread, 0U);
 }
 
 TEST_F(Decoding, AFailureToFinishEndsItThere)
 {
-    failing = "finish";
+    log.failing = "finish";
     EXPECT_EQ(Decode(), ioErr);
-    EXPECT_EQ(steps, (Steps{"prepare", "render", "finish"}));
+    EXPECT_EQ(log.steps, (Steps{"prepare", "render", "finish"}));
     EXPECT_NE(object.decodingThread, 0U);
 }
 
 TEST_F(Decoding, AFailureToDisposeEndsItThere)
 {
-    failing = "dispose";
+    log.failing = "dispose";
     EXPECT_EQ(Decode(), ioErr);
-    EXPECT_EQ(steps, (Steps{"prepare", "render", "finish", "dispose"}));
+    EXPECT_EQ(log.steps, (Steps{"prepare", "render", "finish", "dispose"}));
     EXPECT_NE(object.decodingThread, 0U);
 }
 
 TEST_F(Decoding, AFailureToTerminateTakesTheRenderingErrorsPlace)
 {
-    failing = "terminate";
+    log.failing = "terminate";
     object.render = [] { throw OSErr{memFullErr}; };
     EXPECT_EQ(Decode(), ioErr);
     EXPECT_EQ(object.decodingThread, 0U);
@@ -254,9 +250,9 @@ TEST_F(Decoding, AFailureToTerminateTakesTheRenderingErrorsPlace)
 TEST_F(Decoding, TheObjectDestroysItsDataSource)
 {
     {
-        StepPlugin other(bundle.Get(), steps, failing);
+        StepPlugin other(bundle.Get(), log);
     }
-    EXPECT_EQ(steps, Steps{"destroy"});
+    EXPECT_EQ(log.steps, Steps{"destroy"});
 }
 
 namespace
@@ -266,10 +262,7 @@ namespace
 class CountingDataSource : public StepDataSource
 {
 public:
-    CountingDataSource(Steps& log, const std::string& failing, SInt32& countOut)
-        : StepDataSource(log, failing), count(countOut)
-    {
-    }
+    CountingDataSource(StepLog& log, SInt32& countOut) : StepDataSource(log), count(countOut) {}
     ~CountingDataSource() override { count = CountLiveObjects(kLiveFoundationObjects); }
 
 private:
@@ -284,7 +277,7 @@ TEST_F(Decoding, TheDataSourceGoesBeforeTheBundle)
     auto* own = new test::TestBundle;
     auto* other = new test::TestPlugin(own->Get());
     delete own;
-    other->dataSource = new CountingDataSource(steps, failing, seen);
+    other->dataSource = new CountingDataSource(log, seen);
     const SInt32 before = CountLiveObjects(kLiveFoundationObjects);
     delete other;
     EXPECT_EQ(seen, before);
