@@ -126,6 +126,16 @@ TEST(PngComment, IsEmptyWithoutATextThatSaysWhatIsSeen)
     EXPECT_EQ(image.Comment(), "");
 }
 
+TEST(PngComment, IsThereWithTheHeader)
+{
+    PngSpec spec;
+    spec.texts = {{"Comment", "A comment"}};
+    const Bytes file = WritePng(spec);
+    HostedImage image(Bundle(), Bytes(file.begin(), file.begin() + ptrdiff_t(file.size() / 2)));
+    image.Decode();
+    EXPECT_EQ(image.Comment(), "A comment");
+}
+
 TEST(PngComment, BecomesMacRomanFromEitherEncoding)
 {
     for (const char* const text : {"na\xEFve \xA9", "na\xC3\xAFve \xC2\xA9"}) {
