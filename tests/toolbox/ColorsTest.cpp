@@ -234,6 +234,16 @@ TEST_F(Colors, TheNearestIndexIsExactHoweverTheColorsLie)
     }
 }
 
+// More of them than are remembered.
+TEST_F(Colors, TablesAreToldApartByTheirSeeds)
+{
+    for (UInt16 red = 0; red < 200; ++red) {
+        CTabHandle const table = MakeTable(0);
+        (*table)->ctTable[2].rgb.red = static_cast<UInt16>(red << 8);
+        EXPECT_EQ(ColorOfIndex1(table), UInt32{red} << 16);
+    }
+}
+
 class Tinting : public Colors
 {
 protected:

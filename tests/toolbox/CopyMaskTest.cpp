@@ -2,6 +2,7 @@
 //
 // CopyMask and CopyDeepMask, against a copy pixel by pixel.
 #include "CopyReference.h"
+#include "toolbox/memory/Memory.h"
 
 #include <gtest/gtest.h>
 
@@ -224,6 +225,27 @@ TEST_F(Masked, ABitMaskThatIsShrunkLetsThroughByItsShare)
     Paint(target, 0xFFFFFF);
     CopyMask(BitsOf(source), BitsOf(mask), BitsOf(target), &kBounds, &large, &kBounds);
     EXPECT_EQ(ValueAt(BitsOf(target), 4, 9) & kColorsOf32, 0x808080U);
+}
+
+TEST_F(Masked, ASetBitIsBlackWhateverTheTableOfABitMaskSays)
+{
+    auto const colors = reinterpret_cast<CTabHandle>(NewHandleClear(8 + 2 * 8));
+    (*colors)->ctSize = 1;
+    (*colors)->ctTable[1] = {1, {0xFFFF, 0xFFFF, 0xFFFF}}; // and 0 is black
+    const Rect large = {0, 0, 16, 38};
+    Paint(source, 0x123456);
+    for (const Rect& bounds : {kBounds, large}) { // as it is, and shrunk
+        const OwnedWorld mask = MakeWorld(1, bounds, colors);
+        for (int v = 0; v < bounds.bottom; ++v) {
+            for (int h = 0; h < bounds.right; ++h) {
+                reference::SetValueAt(BitsOf(mask), v, h, 1);
+            }
+        }
+        Paint(target, 0xFFFFFF);
+        CopyMask(BitsOf(source), BitsOf(mask), BitsOf(target), &kBounds, &bounds, &kBounds);
+        EXPECT_EQ(ValueAt(BitsOf(target), 4, 9) & kColorsOf32, 0x123456U) << bounds.bottom;
+    }
+    DisposeHandle(reinterpret_cast<Handle>(colors));
 }
 
 TEST_F(Masked, WhatTheMaskHidesDoesNotShowUpWhereItIsShrunk)
