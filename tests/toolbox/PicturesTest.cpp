@@ -295,6 +295,18 @@ TEST_F(Pictures, RowsOfLessThan8BytesAreNotPacked)
     }
 }
 
+TEST_F(Pictures, RowsOfMoreThan250BytesHaveTheirLengthInAWord)
+{
+    for (const SInt16 width : {SInt16{249}, SInt16{250}, SInt16{251}, SInt16{252}}) {
+        const TestPixels pixels(8, {0, 0, 3, width});
+        Open();
+        Copy(pixels, pixels.Bounds(), kFrame);
+        EXPECT_EQ(Close().copies.at(0).pixels, pixels.Colors()) << width;
+        KillPicture(picture);
+        picture = nullptr;
+    }
+}
+
 TEST_F(Pictures, TheWidestMapsHaveTheirPixelsKept)
 {
     for (const int depth : {1, 8, 16, 32}) {
