@@ -62,8 +62,10 @@ TEST_P(GWorldOfDepth, DescribesItsPixels)
 // Writing functions may touch one row more, and one pixel behind it.
 TEST_P(GWorldOfDepth, HasASpareRowAndASparePixel)
 {
-    const OwnedWorld world = MakeWorld(GetParam(), kBounds);
+    // Wide enough that rounding memory up does not make room for them.
+    const OwnedWorld world = MakeWorld(GetParam(), {-2, 3, 8, 3 + 512});
     PixMapHandle const pixels = GetGWorldPixMap(world.get());
+    ASSERT_EQ(GetPixRowBytes(pixels) % 64, 0);
     const int size = 11 * GetPixRowBytes(pixels) + 4;
     for (int i = 0; i < size; ++i) { // the address sanitizer looks on
         GetPixBaseAddr(pixels)[i] = static_cast<char>(i);
