@@ -43,6 +43,17 @@ TEST_F(MovieIdling, BuildsTheControllerOnceTheMovieIsPlayable)
     EXPECT_TRUE(plugin->GetHaveDimensions());
 }
 
+TEST_F(MovieIdling, HasTheMovieDrawOnThePortsOwnDevice)
+{
+    auto plugin = MakeOpenedPlugin();
+    GDeviceRecord* master = nullptr;
+    SetGWorld(port, &master);
+    plugin->Idle(area, 0);
+    SetGWorld(port, nullptr);
+    EXPECT_EQ(Movies().movieWorldPort, port);
+    EXPECT_EQ(Movies().movieWorldDevice, &master);
+}
+
 TEST_F(MovieIdling, ReportsTheSizeBeforeTheMovieBecomesActive)
 {
     auto plugin = MakeOpenedPlugin();

@@ -63,6 +63,18 @@ TEST_F(MoviePlacement, AlignsRightAndBottomUnlessCentred)
     EXPECT_TRUE(DisplayRect({0, 0, 4, 4}, 0x40, {0, 0, 11, 11}) == (Rect{7, 0, 11, 4}));
 }
 
+TEST_F(MoviePlacement, GoesByTheFlagsThatTheKindOfMovieItIsTells)
+{
+    struct Aligned : VornMoviePlugin {
+        using VornMoviePlugin::VornMoviePlugin;
+        UInt32 GetDisplayFlags() override { return 0x60; }
+    } plugin(bundle.Get());
+    plugin.SetDisplayRect({0, 0, 4, 4});
+    Rect result{};
+    plugin.GetDisplayRect({0, 0, 11, 11}, result);
+    EXPECT_TRUE(result == (Rect{7, 7, 11, 11}));
+}
+
 // Data and drags ------------------------------------------------------------------------------
 
 TEST_F(MoviePlacement, HandsOutNoData)

@@ -3,6 +3,8 @@
 
 #include "tests/support/ToolboxProbe.h"
 
+#include <gtest/gtest.h>
+
 #include <cstring>
 #include <sstream>
 
@@ -35,6 +37,17 @@ void Keep(const std::string& call)
     if (gMovies.onCall) {
         gMovies.onCall(call);
     }
+}
+
+// There is one of each, and calls are about nothing else.
+void MustBe(Movie movie)
+{
+    EXPECT_EQ(movie, &gMovie);
+}
+
+void MustBe(MovieController controller)
+{
+    EXPECT_EQ(controller, &gController);
 }
 
 template <typename... Arguments>
@@ -72,6 +85,7 @@ void ResetMovies()
 
 using test::Called;
 using test::gMovies;
+using test::MustBe;
 
 Boolean QuickTimePresent(void)
 {
@@ -99,19 +113,22 @@ OSErr NewMovieFromDataRef(Movie* movie, SInt16 flags, SInt16* id, Handle dataRef
     return gMovies.openResult;
 }
 
-void DisposeMovie(Movie)
+void DisposeMovie(Movie movie)
 {
+    MustBe(movie);
     Called("DisposeMovie");
     --gMovies.moviesAlive;
 }
 
-void StopMovie(Movie)
+void StopMovie(Movie movie)
 {
+    MustBe(movie);
     Called("StopMovie");
 }
 
-void MoviesTask(Movie, SInt32 maxMilliseconds)
+void MoviesTask(Movie movie, SInt32 maxMilliseconds)
 {
+    MustBe(movie);
     GetPort(&gMovies.portAtTask);
     Called("MoviesTask", maxMilliseconds);
 }
@@ -124,109 +141,128 @@ OSErr GetMoviesError(void)
     return err;
 }
 
-void GetMovieBox(Movie, Rect* box)
+void GetMovieBox(Movie movie, Rect* box)
 {
+    MustBe(movie);
     Called("GetMovieBox");
     *box = gMovies.movieBox;
 }
 
-SInt32 GetMovieLoadState(Movie)
+SInt32 GetMovieLoadState(Movie movie)
 {
+    MustBe(movie);
     Called("GetMovieLoadState");
     return gMovies.loadState;
 }
 
-OSErr GetMovieStatus(Movie, void** track)
+OSErr GetMovieStatus(Movie movie, void** track)
 {
+    MustBe(movie);
     Called("GetMovieStatus", track == nullptr ? "no-track" : "track");
     return gMovies.movieStatus;
 }
 
-TimeValue GetMovieDuration(Movie)
+TimeValue GetMovieDuration(Movie movie)
 {
+    MustBe(movie);
     Called("GetMovieDuration");
     return gMovies.duration;
 }
 
-OSErr GetMaxLoadedTimeInMovie(Movie, TimeValue* time)
+OSErr GetMaxLoadedTimeInMovie(Movie movie, TimeValue* time)
 {
+    MustBe(movie);
     Called("GetMaxLoadedTimeInMovie");
     *time = gMovies.maxLoadedTime;
     return 0;
 }
 
-OSErr DeleteMovieSegment(Movie, TimeValue start, TimeValue duration)
+OSErr DeleteMovieSegment(Movie movie, TimeValue start, TimeValue duration)
 {
+    MustBe(movie);
     Called("DeleteMovieSegment", start, duration);
     return 0;
 }
 
-void SetMovieGWorld(Movie, CGrafPtr port, GDHandle)
+void SetMovieGWorld(Movie movie, CGrafPtr port, GDHandle device)
 {
+    MustBe(movie);
     Called("SetMovieGWorld");
     gMovies.movieWorldPort = port;
+    gMovies.movieWorldDevice = device;
 }
 
-void SetMovieActive(Movie, Boolean active)
+void SetMovieActive(Movie movie, Boolean active)
 {
+    MustBe(movie);
     Called("SetMovieActive", int{active});
 }
 
-MovieController NewMovieController(Movie, const Rect* box, SInt32 flags)
+MovieController NewMovieController(Movie movie, const Rect* box, SInt32 flags)
 {
+    MustBe(movie);
     Called("NewMovieController", test::Text(*box), flags);
     gMovies.controllersAlive += gMovies.makesController;
     return gMovies.makesController ? &test::gController : nullptr;
 }
 
-void DisposeMovieController(MovieController)
+void DisposeMovieController(MovieController controller)
 {
+    MustBe(controller);
     Called("DisposeMovieController");
     --gMovies.controllersAlive;
 }
 
-SInt32 MCDoAction(MovieController, MCAction action, void* parameter)
+SInt32 MCDoAction(MovieController controller, MCAction action, void* parameter)
 {
+    MustBe(controller);
     gMovies.actionParameter = parameter;
     Called("MCDoAction", action);
     return 0;
 }
 
-SInt32 MCGetVisible(MovieController)
+SInt32 MCGetVisible(MovieController controller)
 {
+    MustBe(controller);
     Called("MCGetVisible");
     return gMovies.controllerVisible;
 }
 
-SInt32 MCGetControllerBoundsRect(MovieController, Rect* bounds)
+SInt32 MCGetControllerBoundsRect(MovieController controller, Rect* bounds)
 {
+    MustBe(controller);
     Called("MCGetControllerBoundsRect");
     *bounds = gMovies.controllerBounds;
     return 0;
 }
 
-SInt32 MCSetControllerBoundsRect(MovieController, const Rect* bounds)
+SInt32 MCSetControllerBoundsRect(MovieController controller, const Rect* bounds)
 {
+    MustBe(controller);
     Called("MCSetControllerBoundsRect", test::Text(*bounds));
     gMovies.controllerBounds = *bounds;
     return 0;
 }
 
-SInt32 MCSetClip(MovieController, RgnHandle clip, RgnHandle movieClip)
+SInt32 MCSetClip(MovieController controller, RgnHandle clip, RgnHandle movieClip)
 {
+    MustBe(controller);
     gMovies.clipRect = GetRegionRect(clip, 0);
     Called("MCSetClip", movieClip == nullptr ? "no-movie-clip" : "movie-clip");
     return 0;
 }
 
-SInt32 MCMovieChanged(MovieController, Movie)
+SInt32 MCMovieChanged(MovieController controller, Movie movie)
 {
+    MustBe(controller);
+    MustBe(movie);
     Called("MCMovieChanged");
     return 0;
 }
 
-SInt32 MCIsPlayerEvent(MovieController, const EventRecord* event)
+SInt32 MCIsPlayerEvent(MovieController controller, const EventRecord* event)
 {
+    MustBe(controller);
     Called("MCIsPlayerEvent", event->what);
     return gMovies.isPlayerEvent;
 }

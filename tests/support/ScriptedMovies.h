@@ -37,6 +37,7 @@ struct ScriptedMovies {
     CGrafPtr portAtOpen = nullptr;
     CGrafPtr portAtTask = nullptr;
     CGrafPtr movieWorldPort = nullptr;
+    GDHandle movieWorldDevice = nullptr;
     void* actionParameter = nullptr;
     Rect clipRect{}; // the clip's only rectangle
     SInt32 moviesAlive = 0;
