@@ -85,6 +85,14 @@ TEST_F(SpooledData, OneByteTooManyIsPastTheEndOnceAllIsIn)
     EXPECT_EQ(IntThrownBy([&] { Read(900, 101); }), eofErr);
 }
 
+TEST_F(SpooledData, IsOpenedBeforeItIsMissed)
+{
+    probe.Fail("FSpOpenDF", tmfoErr);
+    EXPECT_EQ(ThrownBy([&] { Read(900, 101); }), tmfoErr);
+    EXPECT_EQ(IntThrownBy([&] { Read(900, 101); }), notEnoughDataErr);
+    EXPECT_NE(plugin->spoolReadRefNum, -1);
+}
+
 TEST_F(SpooledData, LeavesTheCountAloneWhenItThrows)
 {
     SInt32 count = 101;
