@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "tests/plugin/VirtualSlot.h"
 #include "tests/support/CooperativeThread.h"
 #include "tests/support/MovieTest.h"
 #include "toolbox/Errors.h"
@@ -157,6 +158,15 @@ TEST_F(LoadListeners, AreToldAloneWithoutAController)
     plugin->NotifyListenersComplete(9);
     EXPECT_EQ(probe.Count("MCMovieChanged"), 0);
 }
+
+#ifdef VORN_KNOWS_VIRTUAL_SLOTS
+TEST(LoadListenerLayout, KeepsTheOrderOfTheVirtualOperations)
+{
+    EXPECT_EQ(VirtualSlot(&VornMovieLoadListener::LoadComplete), 2u);
+    EXPECT_EQ(VirtualSlot(&VornMovieLoadListener::LoadProgress), 3u);
+    EXPECT_EQ(VirtualSlot(&VornMovieLoadListener::NotifyListenerOfPluginDeath), 4u);
+}
+#endif
 
 // Thread tests --------------------------------------------------------------------------------
 

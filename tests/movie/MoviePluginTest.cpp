@@ -4,6 +4,8 @@
 #include "toolbox/gestalt/Gestalt.h"
 #include "toolbox/memory/Memory.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <tuple>
 
 namespace test
@@ -56,6 +58,31 @@ TEST_F(MoviePlugin, StartsWithNothingSpooledAndNothingOpen)
     EXPECT_EQ(plugin->moviePort, nullptr);
     EXPECT_EQ(plugin->loadListeners.count, 0);
     EXPECT_EQ(plugin->loadListeners.capacity, 0);
+}
+
+TEST_F(MoviePlugin, KeepsItsFieldsInTheirOrder)
+{
+    const auto plugin = MakePlugin();
+    const auto place = [](const auto& field) { return reinterpret_cast<std::uintptr_t>(&field); };
+    const std::vector<std::uintptr_t> places = {place(plugin->finalError),
+                                                place(plugin->spoolFileSpec),
+                                                place(plugin->taskingThread),
+                                                place(plugin->spoolFileCreated),
+                                                place(plugin->allDataSpooled),
+                                                place(plugin->inControllerCall),
+                                                place(plugin->bytesSpooled),
+                                                place(plugin->reservedFlag),
+                                                place(plugin->hasLoadStateCalls),
+                                                place(plugin->quickTimeVersion),
+                                                place(plugin->spoolWriteRefNum),
+                                                place(plugin->spoolReadRefNum),
+                                                place(plugin->movie),
+                                                place(plugin->movieController),
+                                                place(plugin->reservedLong),
+                                                place(plugin->spoolBuffer),
+                                                place(plugin->moviePort),
+                                                place(plugin->loadListeners)};
+    EXPECT_TRUE(std::is_sorted(places.begin(), places.end()));
 }
 
 TEST_F(MoviePlugin, KeepsTheHighHalfOfTheVersion)

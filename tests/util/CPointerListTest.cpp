@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <random>
 #include <sys/resource.h>
 #include <vector>
@@ -40,6 +41,14 @@ TEST(PointerList, ANewOneIsEmptyAndHasNoSlots)
     EXPECT_EQ(list.items, nullptr);
     EXPECT_EQ(list.count, 0);
     EXPECT_EQ(list.capacity, 0);
+}
+
+TEST(PointerList, KeepsItsFieldsInTheirOrder)
+{
+    const CPointerList<int*> list;
+    const void* const items = &list.items;
+    EXPECT_TRUE(std::less<>()(items, &list.count));
+    EXPECT_TRUE(std::less<>()(&list.count, &list.capacity));
 }
 
 TEST(PointerList, EnsuresTheNextMultipleOfFourAbove)
