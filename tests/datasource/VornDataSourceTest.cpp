@@ -377,6 +377,15 @@ TEST(SkipTo, CountsReadsThatGotNothing)
     EXPECT_EQ(source.readOffset, 3);
 }
 
+TEST(SkipTo, LeavesTheResultOfItsLastRead)
+{
+    StringDataSource source(kAlphabet);
+    source.answer = kDataNotAvailableErr;
+    SInt32 skipped = -1;
+    source.SkipTo('c', &skipped, true);
+    EXPECT_EQ(source.lastError, kDataNotAvailableErr);
+}
+
 TEST(SkipTo, EndsIfAReadThrows)
 {
     LateDataSource source("a");

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <random>
 #include <string>
@@ -21,6 +22,19 @@ using test::Arrival;
 using test::ErrorOf;
 using test::ScriptedHost;
 using test::ToolboxProbe;
+
+namespace
+{
+
+OSErr gMemErrorNow = noErr;
+
+} // namespace
+
+// Comes before the library's, which never tells of an error when there is a block.
+OSErr MemError(void)
+{
+    return gMemErrorNow;
+}
 
 namespace
 {
@@ -76,6 +90,16 @@ TEST_F(StreamDataSource, HasNoCacheAtFirst)
     EXPECT_EQ(source.cacheStart, 0);
     EXPECT_EQ(source.cacheCapacity, 0);
     EXPECT_EQ(source.cacheLength, 0);
+}
+
+TEST_F(StreamDataSource, KeepsItsFieldsInTheirOrder)
+{
+    const auto place = [](const auto& field) { return reinterpret_cast<std::uintptr_t>(&field); };
+    // A reference has no place of its own: that it lies before the block shows in the distance.
+    const std::vector<std::uintptr_t> places = {
+        place(source.dataComplete) + sizeof(void*), place(source.cacheHandle),
+        place(source.cacheStart), place(source.cacheCapacity), place(source.cacheLength)};
+    EXPECT_TRUE(std::is_sorted(places.begin(), places.end()));
 }
 
 TEST_F(StreamDataSource, PreparingFillsACacheOf4096BytesFromTheStart)
@@ -324,6 +348,19 @@ TEST_F(StreamDataSource, WithoutMemoryItWorksWithoutACache)
     EXPECT_EQ(source.lastError, noErr);
 }
 
+TEST_F(StreamDataSource, TakesNoBlockThatTheMemoryManagerCallsAFailure)
+{
+    Serve(Document(10000));
+    const SInt32 before = CountLiveObjects(kLiveHandles);
+    gMemErrorNow = nilHandleErr;
+    EXPECT_EQ(source.CreateDataCache(0, 4096), memFullErr);
+    gMemErrorNow = noErr;
+    EXPECT_EQ(source.cacheHandle, nullptr);
+    EXPECT_EQ(source.cacheCapacity, 0);
+    EXPECT_EQ(CountLiveObjects(kLiveHandles), before);
+    EXPECT_EQ(Requests(), 0U);
+}
+
 TEST_F(StreamDataSource, WithoutACacheAReadOfNothingOnlyAsksForTheLength)
 {
     Serve(Document(100));
@@ -387,6 +424,16 @@ TEST_F(StreamDataSource, TheBlockIsLockedWhileTheHostFillsIt)
     source.PrepareDataSource();
     EXPECT_NE(gStateSeen, 0);
     EXPECT_EQ(HGetState(source.cacheHandle), 0);
+}
+
+TEST_F(StreamDataSource, FillingNeedsTheBlockInNoParticularPlace)
+{
+    Serve(Document(10000));
+    source.PrepareDataSource();
+    const ToolboxProbe probe;
+    Get(5000, 4);
+    EXPECT_EQ(probe.Calls({"HGetState", "HLock", "HLockHi", "HSetState"}),
+              (std::vector<std::string>{"HGetState", "HLock", "HSetState"}));
 }
 
 TEST_F(StreamDataSource, FillingPutsBackTheStateThatTheBlockHad)
