@@ -3,6 +3,8 @@
 #include "tests/datahandler/DataHandlerTest.h"
 #include "toolbox/gestalt/Gestalt.h"
 
+#include <cstdint>
+
 namespace test
 {
 namespace
@@ -46,6 +48,14 @@ TEST_F(Instance, ReturnsWhatOpeningTheAliasHandlerFailsWith)
     EXPECT_EQ(plugin->loadListeners.count, 0);
 }
 
+TEST_F(Instance, OpensThoughItsDelegateCannotBeTargeted)
+{
+    probe.Fail("CallComponentTarget", paramErr);
+    Open();
+    ASSERT_NE(handler, nullptr);
+    EXPECT_NE(handler->delegate, nullptr);
+}
+
 TEST_F(Instance, DoesNotOpenWithoutAMoviePlugin)
 {
     EXPECT_EQ(OpenAComponent(gDataHandlerComponent, &instance), memFullErr);
@@ -64,6 +74,19 @@ TEST_F(Instance, BindsToTheMoviePluginConstructedLast)
     Open();
     EXPECT_EQ(older->loadListeners.count, 0);
     EXPECT_EQ(handler->moviePlugin, plugin.get());
+}
+
+TEST_F(Instance, KeepsItsFieldsInTheirOrder)
+{
+    Open();
+    const auto place = [](const auto& field) { return reinterpret_cast<std::uintptr_t>(&field); };
+    const std::vector<std::uintptr_t> places = {
+        place(handler->self),          place(handler->delegate),      place(handler->moviePlugin),
+        place(handler->availableSize), place(handler->finalSize),     place(handler->loadComplete),
+        place(handler->canSpoolAhead), place(handler->inCallbacks),   place(handler->isMpeg),
+        place(handler->qtVersion),     place(handler->scheduleQueue), place(handler->readQueue),
+        place(handler->fileSizeQueue)};
+    EXPECT_TRUE(std::is_sorted(places.begin(), places.end()));
 }
 
 TEST_F(Instance, TakesOverHowFarLoadingHasCome)
@@ -94,6 +117,25 @@ TEST_F(Instance, ClosesItsDelegateAndStopsListening)
     Close();
     EXPECT_EQ(CountLiveObjects(kLiveComponentInstances), 0);
     EXPECT_EQ(plugin->loadListeners[0], nullptr);
+}
+
+TEST_F(Instance, StopsListeningThenClosesItsDelegateThenDropsItsRequests)
+{
+    Open();
+    Schedule(buffer, 0, 100);
+    const VornMovieLoadListener* listening = handler;
+    bool hasRequest = false;
+    probe.onCall = [&](const std::string& call) {
+        if (call == "CloseComponent" && probe.Count("CloseComponent") == 1) { // the delegate's
+            listening = plugin->loadListeners[0];
+            handler->scheduleQueue.ResetToFirst();
+            hasRequest = handler->scheduleQueue.NextItem() != nullptr;
+        }
+    };
+    Close();
+    probe.onCall = nullptr;
+    EXPECT_EQ(listening, nullptr);
+    EXPECT_TRUE(hasRequest);
 }
 
 TEST_F(Instance, ClosesAfterThePluginHasDied)

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace test
 {
@@ -55,6 +56,13 @@ TEST_F(Registration, IsFoundByItsDescription)
         found = FindNextComponent(found, &exactly);
     } while (found != nullptr && found != gDataHandlerComponent);
     EXPECT_EQ(found, gDataHandlerComponent);
+}
+
+TEST_F(Registration, HandsOverItsRoutineAsTheComponentManagerWantsIt)
+{
+    Printed(noErr);
+    const std::vector<std::string> inOrder = {"NewComponentRoutineUPP", "RegisterComponent"};
+    EXPECT_EQ(probe.Calls(inOrder), inOrder);
 }
 
 TEST_F(Registration, SaysWhatItFindsAndWhatItGets)

@@ -34,6 +34,15 @@ TEST_F(ScheduledReads, AScheduledReadWaitsUntilItsLastByteHasArrived)
     EXPECT_EQ(completions.size(), 1u);
 }
 
+TEST_F(ScheduledReads, TheCompletionRoutineIsCalledAsTheToolboxWantsIt)
+{
+    Open();
+    Schedule(buffer, 0, 100);
+    Arrive(100);
+    EXPECT_EQ(completions.size(), 1u);
+    EXPECT_EQ(probe.Count("InvokeDataHCompletionUPP"), 1);
+}
+
 TEST_F(ScheduledReads, CarriesAWholePointerAsReferenceConstant)
 {
     Open();

@@ -250,8 +250,14 @@ TEST_F(SynchronousAccess, TellsNothingOnceThePluginHasDied)
 
 TEST_F(SynchronousAccess, HasNoCacheToFlush)
 {
-    Open();
+    OpenForMpeg();
+    Schedule(buffer, 0, 100);
+    Spool(*plugin, 100);
+    handler->availableSize = 100; // arrived, but nothing processed
+    plugin->inControllerCall = true;
     EXPECT_EQ(Call(kDataHFlushCacheSelect), noErr);
+    EXPECT_TRUE(completions.empty());
+    plugin->inControllerCall = false;
 }
 
 // Reads in general ------------------------------------------------------------------------------
