@@ -68,17 +68,6 @@ TEST_F(LoadEvents, AfterThePluginsDeathReadsCopyNothingAndLaterOnesStayQueued)
     EXPECT_EQ(completions.size(), 1u);
 }
 
-TEST_F(LoadEvents, AfterThePluginsDeathPollingCopiesNothing)
-{
-    Open("video/quicktime", 0, 500);
-    Schedule(buffer, 450, 100);
-    KillPlugin();
-    UInt32 count = 77;
-    EXPECT_EQ(Call(kDataHPollReadSelect, buffer, &count), noErr);
-    EXPECT_EQ(count, 50u);
-    EXPECT_TRUE(IsUntouched(buffer, 100));
-}
-
 TEST_F(LoadEvents, RemovingCompletesNothing)
 {
     Open();
