@@ -16,7 +16,7 @@ using Columns = UInt64 __attribute__((vector_size(32)));
 using Bytes = UInt8 __attribute__((vector_size(16)));
 
 constexpr int kGroup = 4; // columns or pixels
-constexpr ptrdiff_t kGroupWords = 4 * kGroup;
+constexpr ptrdiff_t kGroupWords = ptrdiff_t{4} * kGroup;
 constexpr UInt32 kAll = 1 << 16; // what weights are together
 
 // Compilers know this for one instruction, in loops over arrays only.
@@ -175,7 +175,7 @@ VORN_CPU_VERSIONS void AddToSums(const UInt8* row, ptrdiff_t rowBytes, int rowCo
 void SetColumnWeights(const SourceRange* columns, int count, int longest, ColumnWeights& weights)
 {
     weights.groups = (longest + kGroup - 1) / kGroup;
-    const auto pixels = static_cast<size_t>((count + kGroup - 1) / kGroup * kGroup);
+    const size_t pixels = (static_cast<size_t>(count) + kGroup - 1) / kGroup * kGroup;
     weights.firsts.assign(pixels, 0);
     weights.weights.assign(pixels * static_cast<size_t>(weights.groups) * kGroupWords, 0);
     for (int i = 0; i < count; ++i) {
@@ -185,8 +185,8 @@ void SetColumnWeights(const SourceRange* columns, int count, int longest, Column
         for (int k = 0; k <= range.last - range.first; ++k) {
             const int four = (i / kGroup * weights.groups + k / kGroup) * kGroup + i % kGroup;
             const UInt32 upTo = WeightBefore(range, range.first + k + 1);
-            std::fill_n(weights.weights.begin() + four * kGroupWords + 4 * (k % kGroup), 4,
-                        WeightBetween(before, upTo));
+            std::fill_n(weights.weights.begin() + four * kGroupWords + ptrdiff_t{4} * (k % kGroup),
+                        4, WeightBetween(before, upTo));
             before = upTo;
         }
     }
@@ -228,8 +228,8 @@ void AverageLongRanges(const UInt16* sums, const SourceRange* columns, int count
             }
         }
         const UInt64 reciprocal = Reciprocal(columns[i].Weight());
-        for (int k = 0; k < 4; ++k) {
-            *averages++ = static_cast<UInt8>((all[k] * reciprocal + (UINT64_C(1) << 39)) >> 40);
+        for (const UInt32 sum : all) {
+            *averages++ = static_cast<UInt8>((sum * reciprocal + (UINT64_C(1) << 39)) >> 40);
         }
     }
 }

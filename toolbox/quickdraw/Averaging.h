@@ -13,8 +13,8 @@ namespace toolbox
 {
 
 inline constexpr int kMostRowsAtOnce = 8;
-// Of a range whose weights are brought to 65536 together. Longer ones keep theirs, which takes
-// numbers of twice the width.
+// The longest range whose weights are brought to 65536 together, and whose sums so fit 16 bits. In
+// longer ones what that cuts off would add up: they keep their weights and take wider numbers.
 inline constexpr int kLongRange = 32;
 
 // For each pixel its first column, and the weights of its columns, four times each: once for each
@@ -44,7 +44,7 @@ inline UInt16 WeightBetween(UInt32 before, UInt32 upTo)
 // `columns` count from the first of the sums, and none has more than `longest`. Behind the last sum
 // that counts, so many more are read.
 void SetColumnWeights(const SourceRange* columns, int count, int longest, ColumnWeights& weights);
-inline constexpr size_t kMostUncountedSums = 4 * kLongRange;
+inline constexpr size_t kMostUncountedSums = size_t{4} * kLongRange;
 void AverageSums(const UInt16* sums, const ColumnWeights& weights, int count, UInt8* averages);
 
 // The same for long ranges.

@@ -50,7 +50,8 @@ SourceRange Axis::RangeOf(int target) const
     const auto step = static_cast<UInt32>(fromSize);
     const auto whole = static_cast<UInt32>(toSize);
     if (!Averages()) {
-        const int nearest = from + static_cast<int>((UInt64{2} * place + 1) * step / (2 * whole));
+        const int nearest =
+            from + static_cast<int>((UInt64{2} * place + 1) * step / (UInt64{2} * whole));
         return {nearest, nearest, 1, 0, 1};
     }
     const UInt32 start = place * step;
