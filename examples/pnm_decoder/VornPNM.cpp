@@ -24,12 +24,12 @@ struct PnmReader {
         if ((kind != '5' && kind != '6') || white > 255)
             throw OSErr{kVornErrRenderFailed};
         const UInt16 depth = kind == '6' ? 32 : 8;
-        FrameBudget().Take(width, height, depth);
+        FrameBudget().Take(static_cast<UInt64>(width), static_cast<UInt64>(height), depth);
         StillFrame frame(image);
         frame.Add(width, height, depth, depth == 8 ? StillFrame::NewGrayRamp() : nullptr);
         PixelWriteState& pixels = frame.Pixels();
         // With one more, for RGBSampleTo32bitGWorld looks at the byte behind its samples.
-        std::vector<UInt8> samples(width * (depth == 32 ? 3 : 1) + 1);
+        std::vector<UInt8> samples(static_cast<size_t>(width) * (depth == 32 ? 3 : 1) + 1);
         for (SInt16 row = 0; row < height; ++row) {
             for (size_t i = 0; i + 1 < samples.size(); ++i)
                 samples[i] = static_cast<UInt8>(std::min<SInt32>(NextByte(), white) * 255 / white);

@@ -329,9 +329,10 @@ TEST(HandleDataSource, WithoutAHandleItHasNothing)
 TEST(HandleDataSource, WithoutAHandleItHasNoAddress)
 {
     VornHandleDataSource source(nullptr, 100);
-    for (const auto& [offset, length] : {std::pair{0, 0}, {-4, 4}, {-8, 4}, {0, 1}}) {
+    for (const auto& range : {std::pair{0, 0}, {-4, 4}, {-8, 4}, {0, 1}}) {
         source.lastError = noErr;
-        EXPECT_EQ(ErrorOf([&] { source.GetBytesDataPtr(offset, length); }), kDataOutOfRangeErr);
+        EXPECT_EQ(ErrorOf([&] { source.GetBytesDataPtr(range.first, range.second); }),
+                  kDataOutOfRangeErr);
         EXPECT_EQ(source.lastError, kDataOutOfRangeErr);
     }
 }

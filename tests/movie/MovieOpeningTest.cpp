@@ -36,7 +36,7 @@ TEST_F(MovieOpening, OpensInTheMoviesPortAndPutsTheFormerOneBack)
     ASSERT_EQ(CreateWindowPort(&bounds, &other), noErr);
     auto plugin = MakePlugin();
     plugin->moviePort = other;
-    for (const OSErr err : {noErr, noMovieFound}) {
+    for (const OSErr err : {OSErr{noErr}, OSErr{noMovieFound}}) {
         Movies().openResult = err;
         EXPECT_EQ(plugin->OpenMovie(true, true), err);
         EXPECT_EQ(Movies().portAtOpen, other);

@@ -111,7 +111,7 @@ void PictureSaver::WritePixels(const Rect& area, const std::string& path)
     UInt8* const to = GetPortPixels(world.get(), &toRow);
     for (ptrdiff_t v = part.top; v < part.bottom; ++v) {
         std::memcpy(to + (v - part.top) * toRow,
-                    from + v * fromRow + static_cast<ptrdiff_t>(part.left * kBytesPerPixel),
+                    from + v * fromRow + part.left * static_cast<ptrdiff_t>(kBytesPerPixel),
                     static_cast<size_t>(part.right - part.left) * kBytesPerPixel);
     }
     WritePng(world.get(), path, "the picture");
