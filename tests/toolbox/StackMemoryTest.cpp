@@ -80,4 +80,11 @@ TEST(StackMemory, ThatIsNotToBeHadThrows)
     EXPECT_THROW(StackMemory(std::numeric_limits<size_t>::max() / 4 * 3), std::bad_alloc);
 }
 
+TEST(StackMemory, ThatWouldBeNothingWhenRoundedUpThrows)
+{
+    constexpr size_t kMost = std::numeric_limits<size_t>::max();
+    EXPECT_THROW(StackMemory{kMost}, std::bad_alloc);
+    EXPECT_THROW(StackMemory(kMost - StackMemory::kGuardBytes), std::bad_alloc);
+}
+
 } // namespace

@@ -23,8 +23,12 @@ size_t PageSize()
     return size;
 }
 
+// Throws std::bad_alloc for what no address space holds, and so before a sum wraps around.
 size_t WholePages(size_t bytes)
 {
+    if (bytes > PTRDIFF_MAX) {
+        throw std::bad_alloc();
+    }
     return (bytes + PageSize() - 1) / PageSize() * PageSize();
 }
 
