@@ -2,6 +2,7 @@
 #include "toolbox/quicktime/MovieStream.h"
 
 #include "toolbox/quicktime/BareFrames.h"
+#include "toolbox/quicktime/ProgramStreamMap.h"
 
 #include <algorithm>
 #include <array>
@@ -196,6 +197,10 @@ bool MovieStream::FindStart()
             look = std::min(look * 2, head.size());
         }
     }
+    if (start_.kind == StreamKind::kProgramStream) {
+        const auto begin = static_cast<size_t>(start_.start);
+        prologue_ = MakeProgramStreamMapFor(head.data() + begin, have - begin);
+    }
     if (start_.kind == StreamKind::kAudio && start_.start < kJunkItsDemuxerSkips) {
         start_.start = 0;
     }
@@ -207,6 +212,7 @@ bool MovieStream::FindStart()
 bool MovieStream::OpenFormat()
 {
     offset_ = start_.start;
+    prologueSize_ = prologue_.size();
     format_.reset(LibAV().avformat_alloc_context());
     auto* const buffer = static_cast<UInt8*>(LibAV().av_malloc(kReadBufferSize));
     if (!format_ || buffer == nullptr) {
@@ -230,7 +236,9 @@ bool MovieStream::OpenFormat()
 
 void MovieStream::ReadPackets()
 {
+    const auto inFront = static_cast<SInt64>(prologueSize_);
     while (LibAV().av_read_frame(format_.get(), packet_.get()) >= 0) {
+        packet_->pos -= packet_->pos >= inFront ? inFront : 0;
         step_ = Step::kPacket;
         fiber_.Suspend();
         LibAV().av_packet_unref(packet_.get());

@@ -75,6 +75,7 @@ private:
     MovieBytes bytes_;
     Sniffed start_;
     std::vector<UInt8> prologue_;
+    size_t prologueSize_ = 0; // which the places of packets are told without
     SInt64 offset_ = 0;
     LibAVPtr<AVFormatContext> format_;
     LibAVPtr<AVPacket> packet_;

@@ -21,4 +21,24 @@ std::vector<UInt8> MakeProgramStreamMap(UInt8 streamId)
     };
 }
 
+// A packet's own header cannot look like a start code, so that the next one is its contents'.
+std::vector<UInt8> MakeProgramStreamMapFor(const UInt8* bytes, size_t count)
+{
+    constexpr UInt8 kSequenceHeader = 0xB3;
+    UInt8 pictures = 0;
+    for (size_t at = 0; at + 4 <= count; ++at) {
+        if (bytes[at] != 0 || bytes[at + 1] != 0 || bytes[at + 2] != 1) {
+            continue;
+        }
+        const UInt8 code = bytes[at + 3];
+        if (pictures != 0) {
+            return code == kSequenceHeader ? MakeProgramStreamMap(pictures) : std::vector<UInt8>();
+        }
+        if ((code & 0xF0) == 0xE0) {
+            pictures = code;
+        }
+    }
+    return {};
+}
+
 } // namespace toolbox
