@@ -16,7 +16,7 @@ constexpr Nanoseconds kPerMicrosecond = 1000;
 // time.
 constexpr Nanoseconds kSoundReserve = kSecond / 4;
 // Then it is decoded and given for as long again, which costs less than a little at every picture.
-constexpr Nanoseconds kSoundBurst = kSecond / 2;
+constexpr Nanoseconds kSoundBurst = kSecond / 4;
 // A movie that ran out of bytes goes on when there is sound for this long.
 constexpr Nanoseconds kRefill = kSecond / 4;
 constexpr int kFullVolume = 256;

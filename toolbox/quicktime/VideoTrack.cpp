@@ -17,7 +17,7 @@ constexpr Nanoseconds kUsualDuration = kSecond / 25;
 // picture that can be decoded alone stands in for it.
 constexpr SInt64 kPicturesOverdue = 2;
 // What the pictures behind the next one may take.
-constexpr size_t kMostBytesAhead = size_t{1} << 20;
+constexpr size_t kMostBytesAhead = size_t{1} << 19;
 
 // A sequence header followed by an extension start code is MPEG-2 (ISO 13818-2 6.2.2); libavformat
 // calls both kinds MPEG-2 until it has looked further than we let it.
