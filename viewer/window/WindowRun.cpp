@@ -24,6 +24,8 @@ constexpr SInt64 kLongestWork = 8000;
 constexpr SInt64 kCaptionInterval = 100'000;
 // … and they can wait this long for something else to wake the loop.
 constexpr SInt64 kCaptionPatience = 100'000;
+// How soon it is seen that movies can be opened.
+constexpr SInt64 kLookWhilePreparing = 1000;
 // How long a wait inside a bundle may take, in milliseconds.
 constexpr int kShortWait = 5;
 
@@ -135,7 +137,7 @@ void WindowRun::DoRounds()
     const SInt64 end = clock_.Now() + kLongestWork;
     do {
         DoRound();
-    } while (!IsAtRest() && clock_.Now() < end && !std::exchange(hasFirstPicture_, false));
+    } while (GoesOnAtOnce() && clock_.Now() < end && !std::exchange(hasFirstPicture_, false));
     if (sound_ != nullptr) {
         sound_->Tend(clock_);
     }
@@ -162,6 +164,13 @@ bool WindowRun::IsAtRest() const
     return work_.IsLoaded() || quietRounds_ >= kQuietRoundsAtRest;
 }
 
+// While libraries for movies are being loaded, the machine is left to whoever does it: nothing else
+// is waited for as much.
+bool WindowRun::GoesOnAtOnce() const
+{
+    return !IsAtRest() && MoviesArePrepared();
+}
+
 void WindowRun::Show()
 {
     Page& page = work_.ThePage();
@@ -184,7 +193,7 @@ bool WindowRun::IsOver() const
 
 void WindowRun::Sleep()
 {
-    if (!IsAtRest()) {
+    if (GoesOnAtOnce()) {
         return;
     }
     watch_->Watch(work_.AwaitedStreams());
@@ -214,6 +223,9 @@ SInt64 WindowRun::NextInstant() const
     consider(work_.ThePage().NextTime());
     consider(const_cast<PageWork&>(work_).User().NextTime());
     consider(snapshots_.NextTime());
+    if (!MoviesArePrepared()) {
+        consider(now + kLookWhilePreparing);
+    }
     if (captionsAreStale_) {
         consider(captionsDue_ + kCaptionPatience);
     }

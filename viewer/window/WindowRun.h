@@ -39,6 +39,7 @@ private:
     void DoRounds();
     void DoRound();
     bool IsAtRest() const;
+    bool GoesOnAtOnce() const;
     void Show();
     bool IsOver() const;
     void Sleep();
