@@ -80,7 +80,9 @@ const LibAVCalls& LibAVLoader::Calls()
 
 void LibAVLoader::Load()
 {
-    state_.store(LoadAll() ? State::kLoaded : State::kFailed, std::memory_order_release);
+    // In one order with the count of those who wait, which is looked at next: no weaker one will
+    // do.
+    state_.store(LoadAll() ? State::kLoaded : State::kFailed, std::memory_order_seq_cst);
     state_.notify_all();
 }
 
