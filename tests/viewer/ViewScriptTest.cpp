@@ -36,6 +36,13 @@ protected:
                          "[ -d \"$top/build/view\" ] && " + (writes ? write : "true\n") + "exit " +
                          std::to_string(status));
     }
+    void MakeViewerWithSound(int bytes)
+    {
+        constexpr int kWavHeader = 44;
+        WriteProgram("build/release/bin/vornview", "head -c " + std::to_string(kWavHeader + bytes) +
+                                                       " /dev/zero > " +
+                                                       top.Path("build/view/sound.wav"));
+    }
     int View(const std::string& arguments, const std::string& display = "")
     {
         const std::string command = "WAYLAND_DISPLAY= DISPLAY=" + display + " " +
@@ -66,6 +73,22 @@ TEST_F(ViewScript, WithoutArgumentsPlaysTheSampleIntoFiles)
     EXPECT_THAT(told, HasSubstr("into these files"));
     EXPECT_THAT(told, HasSubstr("page.png"));
     EXPECT_THAT(told, Not(HasSubstr("sound.wav"))); // this viewer wrote none
+}
+
+TEST_F(ViewScript, SoundIsToldOfWhereThereIsSome)
+{
+    MakeViewerWithSound(4);
+    View("clip.mpg");
+    EXPECT_THAT(told, HasSubstr("sound.wav"));
+    EXPECT_TRUE(fs::exists(top.Path("build/view/sound.wav")));
+}
+
+TEST_F(ViewScript, ASilentPageLeavesNoSoundFile)
+{
+    MakeViewerWithSound(0);
+    View("picture.png");
+    EXPECT_THAT(told, Not(HasSubstr("sound.wav")));
+    EXPECT_FALSE(fs::exists(top.Path("build/view/sound.wav")));
 }
 
 TEST_F(ViewScript, WithADisplayTheSampleIsPlayedInAWindow)
