@@ -114,6 +114,19 @@ TEST(MimeDocument, AnUnknownCharacterSetIsShownAsFarAsItCanBe)
     EXPECT_THAT(Describe(document), ElementsAre("plain \uFFFD text"));
 }
 
+TEST(MimeDocument, HtmlNamesItsCharactersItselfWhereItsFieldsDoNot)
+{
+    const std::string meta = "<meta content=\"text/html; charset=ISO-8859-1\">";
+    const auto texts = [](const std::string& fields, const std::string& html) {
+        return Describe(Read(kHeader + fields + "\r\n\r\n" + html + "\r\n"));
+    };
+    const std::string html = "Content-Type: text/html";
+    EXPECT_THAT(texts(html, meta + "a\xB7z"), ElementsAre("a\u00B7z"));
+    EXPECT_THAT(texts(html, meta + "a\u00B7z"), ElementsAre("a\u00B7z")); // UTF-8 it is
+    EXPECT_THAT(texts(html + "; charset=cp850", meta + "a\xFAz"), ElementsAre("a\u00B7z"));
+    EXPECT_THAT(texts(html, "<meta charset=no-such>a\xB7z"), ElementsAre("a\uFFFDz"));
+}
+
 TEST(MimeDocument, OfAlternativesThePlainTextIsRead)
 {
     const std::string related = "Content-Type: multipart/related; boundary=yy\r\n\r\n"

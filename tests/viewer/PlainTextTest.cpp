@@ -10,6 +10,7 @@ namespace
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using viewer::CharsetOfHtml;
 using viewer::ParagraphsOf;
 using viewer::TextOfHtml;
 
@@ -90,6 +91,17 @@ TEST(Html, MayEndAnywhere)
         EXPECT_LE(text.size(), length + 1);
     }
     EXPECT_EQ(TextOfHtml("<script>never closed"), "");
+}
+
+TEST(HtmlCharset, IsTheOneNamedNearTheStart)
+{
+    EXPECT_EQ(CharsetOfHtml("<meta charset=UTF-8>"), "utf-8");
+    EXPECT_EQ(CharsetOfHtml("<META CHARSET=\"KOI8-R\"/>"), "koi8-r");
+    EXPECT_EQ(CharsetOfHtml("<meta content=\"text/html; charset=iso-8859-1\">"), "iso-8859-1");
+    EXPECT_EQ(CharsetOfHtml("<meta charset="), "");
+    EXPECT_EQ(CharsetOfHtml("<meta charset=\""), "");
+    EXPECT_EQ(CharsetOfHtml("<p>text"), "");
+    EXPECT_EQ(CharsetOfHtml(std::string(1024, ' ') + "<meta charset=utf-8>"), "");
 }
 
 } // namespace

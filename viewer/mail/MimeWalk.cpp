@@ -32,6 +32,23 @@ std::string LastOfPath(const std::string& name)
     return slash == std::string::npos ? name : name.substr(slash + 1);
 }
 
+bool IsUtf8(const std::string& text)
+{
+    return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
+}
+
+// Saved pages often name their characters in themselves, and not in their header fields.
+std::string Utf8OfHtml(std::string html)
+{
+    const std::string charset = IsUtf8(html) ? "" : CharsetOfHtml(html);
+    gsize length = 0;
+    const GMimeText converted(charset.empty()
+                                  ? nullptr
+                                  : g_convert(html.data(), static_cast<gssize>(html.size()),
+                                              "utf-8", charset.c_str(), nullptr, &length, nullptr));
+    return converted == nullptr ? html : std::string(converted.get(), length);
+}
+
 bool IsOfType(GMimeObject& object, const char* type, const char* subtype)
 {
     GMimeContentType* const declared = g_mime_object_get_content_type(&object);
@@ -191,14 +208,14 @@ private:
 
     void TakeText(GMimePart& part, bool isHtml)
     {
-        const std::string text = ReadText(part);
+        const std::string text = ReadText(part, isHtml);
         for (std::string& paragraph : ParagraphsOf(isHtml ? TextOfHtml(text) : text)) {
             document_.items.emplace_back(std::move(paragraph));
         }
     }
 
     // UTF-8, as far as the limit allows.
-    std::string ReadText(GMimePart& part)
+    std::string ReadText(GMimePart& part, bool isHtml)
     {
         const GMimePointer<GMimeStream> stream = DecodedStream(part);
         if (stream == nullptr) {
@@ -211,7 +228,10 @@ private:
         if (converter != nullptr) {
             g_mime_stream_filter_add(GMIME_STREAM_FILTER(stream.get()), converter.get());
         }
-        const std::string text = ReadUpToLimit(*stream);
+        std::string text = ReadUpToLimit(*stream);
+        if (isHtml && charset == nullptr) {
+            text = Utf8OfHtml(std::move(text));
+        }
         const GMimeText valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
         return valid.get();
     }

@@ -214,4 +214,18 @@ std::string TextOfHtml(std::string_view html)
     return HtmlReader(html).Read();
 }
 
+std::string CharsetOfHtml(std::string_view html)
+{
+    constexpr size_t kNearStart = 1024;
+    constexpr std::string_view kName = "charset=";
+    const std::string start = SmallLetters(html.substr(0, kNearStart));
+    const size_t named = start.find(kName);
+    if (named == std::string::npos) {
+        return "";
+    }
+    const size_t quotes = start[std::min(named + kName.size(), start.size() - 1)] == '"' ? 1 : 0;
+    const size_t begin = std::min(named + kName.size() + quotes, start.size());
+    return start.substr(begin, start.find_first_of("\"' ;/>", begin) - begin);
+}
+
 } // namespace viewer

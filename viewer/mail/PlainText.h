@@ -15,5 +15,7 @@ std::vector<std::string> ParagraphsOf(std::string_view text);
 // What a reader of the HTML would read: no tags, scripts and styles; characters that are named or
 // numbered are put in. UTF-8.
 std::string TextOfHtml(std::string_view html);
+// The character set that the HTML itself names near its start, in small letters; empty without.
+std::string CharsetOfHtml(std::string_view html);
 
 } // namespace viewer
