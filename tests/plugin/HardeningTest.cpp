@@ -89,6 +89,24 @@ TEST_P(BuiltFile, KeepsItsTablesFromBeingWritten)
     EXPECT_THAT(Show("-l"), HasSubstr("GNU_RELRO"));
 }
 
+// An empty place would be the folder that the user happens to be in.
+TEST_P(BuiltFile, LooksForLibrariesOnlyWhereItLiesItself)
+{
+    const std::string shown = Show("-d");
+    const std::string label = "Library runpath: [";
+    const size_t begin = shown.find(label);
+    if (begin == std::string::npos) {
+        return; // it needs none of ours
+    }
+    const size_t end = shown.find(']', begin);
+    const std::string places = shown.substr(begin + label.size(), end - begin - label.size()) + ':';
+    for (size_t at = 0; at < places.size(); at = places.find(':', at) + 1) {
+        EXPECT_TRUE(places.substr(at).starts_with("$ORIGIN/") ||
+                    places.substr(at).starts_with("$ORIGIN:"))
+            << places;
+    }
+}
+
 TEST_P(BuiltFile, HasNoStackThatRuns)
 {
     EXPECT_THAT(Show("-l"), ContainsRegex("GNU_STACK.* RW "));

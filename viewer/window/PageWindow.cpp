@@ -60,6 +60,7 @@ PageWindow::PageWindow(const std::string& title, SInt16 width, SInt16 height)
     SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
+    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         throw NoDisplay(SDL_GetError());
     }
@@ -68,7 +69,6 @@ PageWindow::PageWindow(const std::string& title, SInt16 width, SInt16 height)
         throw NoDisplay("no display could be opened");
     }
     SDL_StopTextInput();
-    SDL_EnableScreenSaver();
     window_.reset(SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
                                    width, height, SDL_WINDOW_RESIZABLE));
     if (window_ == nullptr) {
