@@ -28,9 +28,10 @@ protected:
         WriteProgram("scripts/build", "true");
         MakeViewer(0, true);
     }
-    void MakeViewer(int status, bool writes)
+    void MakeViewer(int status, bool writes, const std::string& report = "")
     {
-        const std::string write = writes ? "touch \"$top/build/view/page.png\"\n" : "";
+        const std::string write = "{ touch \"$top/build/view/page.png\"; echo '" + report +
+                                  "' > \"$top/build/view/report.json\"; }\n";
         WriteProgram("build/release/bin/vornview",
                      "top=" + top.Path("") + "\necho \"$*\" > \"$top/called\"\n" +
                          "[ -d \"$top/build/view\" ] && " + (writes ? write : "true\n") + "exit " +
@@ -128,11 +129,23 @@ TEST_F(ViewScript, OptionsThatSaySoGoToTheViewerAlone)
     }
 }
 
+TEST_F(ViewScript, TellsWhereThatIsWhichCouldBeShown)
+{
+    MakeViewer(1, true, R"({"objects": [{"first_picture": {"seconds": 0.0}}]})");
+    EXPECT_EQ(View("good.mpg bad.mpg"), 1);
+    EXPECT_THAT(told, HasSubstr("Not all of it could be shown"));
+    EXPECT_THAT(told, HasSubstr("page.png"));
+}
+
+TEST_F(ViewScript, OffersNoEmptyPageWhereNothingCouldBeShown)
+{
+    MakeViewer(1, true, R"({"objects": [{"error": -50}]})");
+    EXPECT_EQ(View("bad.mpg"), 1);
+    EXPECT_EQ(told, "");
+}
+
 TEST_F(ViewScript, AfterAFailureItClaimsNoSuccess)
 {
-    MakeViewer(1, true);
-    EXPECT_EQ(View("clip.mpg"), 1);
-    EXPECT_THAT(told, HasSubstr("Not all of it could be shown"));
     MakeViewer(1, false);
     EXPECT_EQ(View("clip.mpg"), 1);
     EXPECT_EQ(told, "");
