@@ -22,10 +22,15 @@ LibAVFiles LibAVFiles::OfBuild()
     return files;
 }
 
-// Never destroyed: movies may be left when the process ends. The thread must not be, as it would
-// run beside the ends of the libraries that it loads.
+// Never destroyed: movies may be left when the process ends. The loading thread must not be, as it
+// would run beside the ends of the libraries that it loads. Those are registered later than any
+// function of ours and so called earlier, but not before what belongs to the thread that exits.
 LibAVLoader& LibAVLoader::Shared()
 {
+    struct Wait {
+        ~Wait() { Shared().Join(); }
+    };
+    thread_local const Wait atEndOfThread;
     static LibAVLoader& loader = []() -> LibAVLoader& {
         auto* const made = new LibAVLoader(LibAVFiles::OfBuild());
         std::atexit([] { Shared().End(); });
@@ -116,6 +121,11 @@ bool LibAVLoader::FindCalls()
 void LibAVLoader::End()
 {
     isEnding_ = true;
+    Join();
+}
+
+void LibAVLoader::Join()
+{
     if (thread_.joinable()) {
         thread_.join();
     }

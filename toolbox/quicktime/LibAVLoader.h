@@ -53,6 +53,7 @@ private:
     bool LoadAll();
     bool FindCalls();
     void End();
+    void Join();
 
     LibAVFiles files_;
     std::array<void*, kLibAVLibraries> handles_{};
