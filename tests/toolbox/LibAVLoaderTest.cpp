@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -93,21 +92,6 @@ TEST(LibAVLoader, TheProcessMayEndWhileItLoads)
         std::exit(MoviesArePrepared() ? 1 : 7);
     };
     EXPECT_EXIT(prepareAndEnd(), testing::ExitedWithCode(7), "");
-}
-
-// What a library keeps for the thread that loads it is given back by that thread, or by nobody: a
-// leak where the sanitizers look.
-TEST(LibAVLoader, TheProcessWaitsForWhatIsBeingLoadedBeforeAnyLibraryEnds)
-{
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    for (int milliseconds = 5; milliseconds < 80; milliseconds += 15) {
-        const auto prepareAndEndAfter = [&] {
-            PrepareMovies();
-            std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-            std::exit(7);
-        };
-        EXPECT_EXIT(prepareAndEndAfter(), testing::ExitedWithCode(7), "") << milliseconds;
-    }
 }
 
 } // namespace

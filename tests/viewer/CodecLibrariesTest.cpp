@@ -10,6 +10,7 @@
 extern "C" {
 #include <libavcodec/version_major.h>
 #include <libavutil/macros.h>
+#include <libavutil/version.h>
 }
 
 #include <cstdlib>
@@ -19,19 +20,19 @@ namespace
 {
 
 using testing::HasSubstr;
+using testing::Not;
 
-// The system's linker finds a file in the place of one of the libraries that is none.
-class BrokenCodecLibraries : public EndToEnd
+// The system's linker looks into the test's folder first.
+class OtherCodecLibraries : public EndToEnd
 {
 protected:
-    BrokenCodecLibraries()
+    OtherCodecLibraries()
     {
-        Write("libavcodec.so." AV_STRINGIFY(LIBAVCODEC_VERSION_MAJOR), "no library");
         const char* const old = std::getenv("LD_LIBRARY_PATH");
         before_ = old == nullptr ? "" : old;
         setenv("LD_LIBRARY_PATH", viewer.Folder().Path("").c_str(), 1);
     }
-    ~BrokenCodecLibraries() override
+    ~OtherCodecLibraries() override
     {
         before_.empty() ? unsetenv("LD_LIBRARY_PATH")
                         : setenv("LD_LIBRARY_PATH", before_.c_str(), 1);
@@ -40,6 +41,24 @@ protected:
 private:
     std::string before_;
 };
+
+class BrokenCodecLibraries : public OtherCodecLibraries
+{
+protected:
+    BrokenCodecLibraries()
+    {
+        Write("libavcodec.so." AV_STRINGIFY(LIBAVCODEC_VERSION_MAJOR), "no library");
+    }
+};
+
+TEST_F(OtherCodecLibraries, BeginBeforeTheyEndThoughTheProgramEndsSooner)
+{
+    std::filesystem::copy_file(
+        SLOW_LIBRARY, viewer.Folder().Path("libavutil.so." AV_STRINGIFY(LIBAVUTIL_VERSION_MAJOR)));
+    const ViewerResult result = Run({Write("clip.mpg", "no movie")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, Not(HasSubstr("ended before it had begun")));
+}
 
 TEST_F(BrokenCodecLibraries, AreToldWhereAMovieIsToBeShown)
 {
