@@ -80,19 +80,25 @@ TEST(MovieDrawing, FillsItsBoxAtEverySize)
     }
 }
 
-// What the port shows of a picture drawn with that many rows and columns.
-std::vector<UInt8> CornerOf(OpenedMovie& page, SInt16 side)
+// The first rows and columns of the port, with the picture drawn at that size.
+std::vector<UInt8> PixelsOf(OpenedMovie& page, SInt16 width, SInt16 height, int rows, int columns)
 {
-    const Rect bounds = {0, 0, static_cast<SInt16>(side + 16), side};
+    const Rect bounds = {0, 0, static_cast<SInt16>(height + 16), width};
     MCSetControllerBoundsRect(page.controller, &bounds);
     MCDoAction(page.controller, mcActionDraw, page.port);
     SInt32 rowBytes = 0;
     const UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
-    std::vector<UInt8> corner;
-    for (int v = 0; v < 400; ++v) {
-        corner.insert(corner.end(), pixels + v * rowBytes, pixels + v * rowBytes + 500 * 4);
+    std::vector<UInt8> shown;
+    for (int v = 0; v < rows; ++v) {
+        shown.insert(shown.end(), pixels + v * rowBytes, pixels + v * rowBytes + columns * 4);
     }
-    return corner;
+    return shown;
+}
+
+// What the port shows of a picture drawn with that many rows and columns.
+std::vector<UInt8> CornerOf(OpenedMovie& page, SInt16 side)
+{
+    return PixelsOf(page, side, side, 400, 500);
 }
 
 TEST(MovieDrawing, BeyondALargeSizeOnlyEnlargesPixels)
@@ -130,19 +136,7 @@ TEST(MovieDrawing, AtAnOddWidthIsTheNextEvenOneWithoutItsLastColumn)
 {
     OpenedMovie page(Clip("mpeg1.mpg"));
     page.OpenAll();
-    const auto rowsOf = [&](SInt16 width) {
-        const Rect bounds = {0, 0, 200 + 16, width};
-        MCSetControllerBoundsRect(page.controller, &bounds);
-        MCDoAction(page.controller, mcActionDraw, page.port);
-        SInt32 rowBytes = 0;
-        const UInt8* const pixels = GetPortPixels(page.port, &rowBytes);
-        std::vector<UInt8> rows;
-        for (int v = 0; v < 200; ++v) {
-            rows.insert(rows.end(), pixels + v * rowBytes, pixels + v * rowBytes + 319 * 4);
-        }
-        return rows;
-    };
-    EXPECT_EQ(rowsOf(319), rowsOf(320));
+    EXPECT_EQ(PixelsOf(page, 319, 200, 200, 319), PixelsOf(page, 320, 200, 200, 319));
 }
 
 TEST(MovieDrawing, DoesNotTouchItsNeighboursAtAnyWidth)
