@@ -38,6 +38,61 @@ TEST(MovieController, SilencesAndRestoresTheSoundByItsButton)
     EXPECT_TRUE(std::all_of(page.sound.begin(), page.sound.end(), [](SInt16 s) { return s == 0; }));
 }
 
+// Eight seconds long, all of it there, and paused.
+class SoughtByKeys : public testing::Test
+{
+protected:
+    SoughtByKeys()
+    {
+        page.OpenAll();
+        page.IdleUntilNothingIsPending();
+    }
+    double Time() const { return page.Statistics().timeSeconds; }
+
+    OpenedMovie page{Clip("early.mpg")};
+};
+
+TEST_F(SoughtByKeys, WithShiftAnArrowGoesFiveSeconds)
+{
+    const size_t first = page.PictureDigest();
+    EXPECT_TRUE(page.Key(kRightArrowCharCode, shiftKey));
+    EXPECT_NEAR(Time(), 5, 1e-6);
+    EXPECT_NE(page.PictureDigest(), first);
+    EXPECT_TRUE(page.Key(kLeftArrowCharCode, shiftKey));
+    EXPECT_EQ(Time(), 0);
+    EXPECT_EQ(page.PictureDigest(), first);
+}
+
+TEST_F(SoughtByKeys, WithCommandAnArrowGoesAMinuteButNotBeyondTheMovie)
+{
+    EXPECT_TRUE(page.Key(kRightArrowCharCode, cmdKey));
+    EXPECT_NEAR(Time(), page.Statistics().durationSeconds, 1e-6);
+    EXPECT_TRUE(page.Key(kLeftArrowCharCode, cmdKey));
+    EXPECT_EQ(Time(), 0);
+}
+
+TEST_F(SoughtByKeys, ItGoesOnPlayingFromThere)
+{
+    page.ClickPlay();
+    page.Key(kRightArrowCharCode, shiftKey);
+    EXPECT_TRUE(page.Statistics().playing);
+    const SInt64 before = page.now;
+    page.PlayToEnd();
+    EXPECT_NEAR(static_cast<double>(page.now - before) / 1e6, 3, 0.1);
+}
+
+TEST_F(SoughtByKeys, ItIsAtItsEndAfterPlayingAndNoLongerWhenSentBack)
+{
+    EXPECT_FALSE(page.Statistics().atEnd);
+    page.ClickPlay();
+    page.PlayToEnd();
+    EXPECT_TRUE(page.Statistics().atEnd);
+    EXPECT_NEAR(Time(), page.Statistics().durationSeconds, 1e-6);
+    page.Key(kLeftArrowCharCode, shiftKey);
+    EXPECT_FALSE(page.Statistics().atEnd);
+    EXPECT_FALSE(page.Statistics().playing);
+}
+
 // A bar of sound that is as wide as told.
 class NarrowBar : public testing::TestWithParam<int>
 {

@@ -117,10 +117,11 @@ public:
         return MCIsPlayerEvent(controller, &event) == 1;
     }
     void ClickPlay() { EXPECT_TRUE(Mouse(mouseDown, Bar().left + 24, Bar().top + 8)); }
-    bool Key(char code)
+    bool Key(char code, UInt16 modifiers = 0)
     {
         EventRecord event{};
         event.what = keyDown;
+        event.modifiers = modifiers;
         event.message = static_cast<UInt8>(code);
         return MCIsPlayerEvent(controller, &event) == 1;
     }

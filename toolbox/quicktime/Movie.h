@@ -66,6 +66,8 @@ public:
     void Pause();
     // The time shown now, from Beginning().
     Nanoseconds Time() const;
+    // All of it is there, and it has been played or been sent to its end.
+    bool IsAtEnd() const { return isAtEnd_; }
     // Goes to a time; past what has arrived, to its end.
     void GoTo(Nanoseconds time);
     void StepForward();

@@ -24,6 +24,9 @@ constexpr SInt16 kBarOfSoundWidth = 240; // a movie without pictures has only a 
 constexpr int kFullVolume = 256;
 constexpr int kPlaySymbolWidth = 8;
 constexpr int kVolumeStep = 32;
+// In seconds.
+constexpr SInt32 kShortSeek = 5;
+constexpr SInt32 kLongSeek = 60;
 
 bool Contains(const Rect& rect, Point at)
 {
@@ -262,7 +265,7 @@ bool MovieControllerRecord::HandleEvent(const EventRecord& event)
         return isDragging_;
     case keyDown:
     case autoKey:
-        return HandleKey(static_cast<char>(event.message & 0xFF));
+        return HandleKey(static_cast<char>(event.message & 0xFF), event.modifiers);
     default:
         return false;
     }
@@ -298,8 +301,16 @@ void MovieControllerRecord::DragTo(Point at)
     Idle();
 }
 
-bool MovieControllerRecord::HandleKey(char key)
+bool MovieControllerRecord::HandleKey(char key, UInt16 modifiers)
 {
+    const bool isArrow = key == kLeftArrowCharCode || key == kRightArrowCharCode;
+    const SInt32 seconds = (modifiers & cmdKey) != 0     ? kLongSeek
+                           : (modifiers & shiftKey) != 0 ? kShortSeek
+                                                         : 0;
+    if (isArrow && seconds > 0) {
+        Seek(key == kLeftArrowCharCode ? -seconds : seconds);
+        return true;
+    }
     switch (key) {
     case kSpaceCharCode:
         TogglePlaying();
@@ -321,6 +332,13 @@ bool MovieControllerRecord::HandleKey(char key)
     }
     Idle();
     return true;
+}
+
+// A movie that plays goes on from there.
+void MovieControllerRecord::Seek(SInt32 seconds)
+{
+    movie_->GoTo(movie_->Time() + seconds * kSecond);
+    Idle();
 }
 
 void MovieControllerRecord::TogglePlaying()

@@ -65,7 +65,8 @@ private:
     void DrawStep(const Rect& box, bool isForward, CGrafPort& port);
     bool Press(Point at);
     void DragTo(Point at);
-    bool HandleKey(char key);
+    bool HandleKey(char key, UInt16 modifiers);
+    void Seek(SInt32 seconds);
     void TogglePlaying();
 
     Movie movie_;

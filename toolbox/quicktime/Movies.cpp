@@ -332,6 +332,8 @@ void GetMovieStatistics(void* owner, MovieStatistics* statistics)
         statistics->playing = statistics->playing || movie->IsPlaying();
         statistics->waiting = statistics->waiting || movie->IsHeldUp();
         statistics->loadState = movie->LoadState();
+        statistics->timeSeconds = static_cast<double>(movie->Time()) / 1e9;
+        statistics->atEnd = movie->IsAtEnd();
     }
 }
 

@@ -92,7 +92,9 @@ TOOLBOX_EXPORT SInt32 MCSetControllerBoundsRect(MovieController controller, cons
 /* Copies the clip region for controller and picture; null: none. */
 TOOLBOX_EXPORT SInt32 MCSetClip(MovieController controller, RgnHandle clip, RgnHandle movieClip);
 TOOLBOX_EXPORT SInt32 MCMovieChanged(MovieController controller, Movie movie);
-/* Handles an event if it is the controller's; 1 when it was, else 0. */
+/* Handles an event if it is the controller's; 1 when it was, else 0. Its keys: the space bar plays
+ * and pauses; left and right step by one picture, with the shift key go by 5 seconds, with the
+ * command key by a minute; up and down change the volume. */
 TOOLBOX_EXPORT SInt32 MCIsPlayerEvent(MovieController controller, const EventRecord* event);
 
 /* For hosts ------------------------------------------------------------------------------- */
@@ -143,6 +145,8 @@ typedef struct MovieStatistics {
     Boolean playing;        /* any of them */
     Boolean waiting;        /* playing, but held up for bytes that have not arrived */
     SInt32 loadState;       /* of the movie opened last; 0 if none */
+    double timeSeconds;     /* where the movie opened last stands; 0 if none */
+    Boolean atEnd;          /* it stands at its end, and all of it is there */
 } MovieStatistics;
 TOOLBOX_EXPORT void GetMovieStatistics(void* owner, MovieStatistics* statistics);
 
