@@ -51,6 +51,19 @@ bool ReadTime(std::string_view text, SInt64& microseconds)
     return true;
 }
 
+// Takes a modifier key away from the front.
+UInt16 ReadModifier(std::string_view& name)
+{
+    for (const auto& [known, bit] : {std::pair<std::string_view, int>{"shift+", shiftKey},
+                                     std::pair<std::string_view, int>{"ctrl+", cmdKey}}) {
+        if (name.starts_with(known) && name.size() > known.size()) {
+            name.remove_prefix(known.size());
+            return static_cast<UInt16>(bit);
+        }
+    }
+    return 0;
+}
+
 bool ReadCharacter(std::string_view name, UInt8& character)
 {
     static constexpr std::pair<std::string_view, UInt8> kNames[] = {
@@ -159,11 +172,12 @@ UserEvent ReadKey(const std::string& option, const std::string& text)
     event.kind = UserEvent::Kind::kKey;
     std::string_view name;
     std::string_view time;
-    if (!Split(text, '@', name, time) || !ReadCharacter(name, event.character) ||
-        !ReadTime(time, event.at)) {
+    const bool isSplit = Split(text, '@', name, time);
+    event.modifiers = ReadModifier(name);
+    if (!isSplit || !ReadCharacter(name, event.character) || !ReadTime(time, event.at)) {
         Refuse(option, text,
                "a key and time NAME@SECONDS, where NAME is space, left, right, up, down or one "
-               "character");
+               "character, maybe with shift+ or ctrl+ in front");
     }
     return event;
 }

@@ -283,7 +283,7 @@ Shows a page of objects: files, folders, e-mails and web archives (.eml,
   --play                  click the play button of each movie once it is there
   --until SECONDS         end there, else when all is loaded and was played
   --click X,Y@SECONDS     a click on the page, then or once it can be taken
-  --key NAME@SECONDS      a key: space, left, right, up, down or a character
+  --key NAME@SECONDS      a key: space, left, shift+right ..., or a character
   --at SECONDS            the time of the --snapshot to follow (else the end)
   --snapshot FILE.png     the page as a picture
   --wav FILE.wav          the page's sound

@@ -25,8 +25,9 @@ struct UserEvent {
     enum class Kind { kClick, kKey };
     Kind kind = Kind::kClick;
     SInt64 at = 0;
-    Point where{};       // kClick: page coordinates
-    UInt8 character = 0; // kKey: the character that the key gives
+    Point where{};        // kClick: page coordinates
+    UInt8 character = 0;  // kKey: the character that the key gives …
+    UInt16 modifiers = 0; // … and the modifier keys that are held down
 };
 
 struct SnapshotRequest {

@@ -143,7 +143,9 @@ void UserActions::Press(const UserEvent& event, SInt64 now)
 void UserActions::PressKey(const UserEvent& event)
 {
     if (EmbeddedObject* const object = KeyTaker()) {
-        page_.Click(*object, MakeEvent(keyDown, event.character, {}, true));
+        EventRecord key = MakeEvent(keyDown, event.character, {}, true);
+        key.modifiers = static_cast<UInt16>(key.modifiers | event.modifiers);
+        page_.Click(*object, key);
     }
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/Options.h"
 
+#include "toolbox/events/Events.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -135,6 +137,19 @@ TEST(Options, AClickHasAPlaceAndATime)
          {"24,250", "24@1", "24,@1", ",250@1", "24,250@", "a,b@1", "1,99999@1"}) {
         EXPECT_THAT(Complaint({"--click", wrong}), HasSubstr("--click: '")) << wrong;
     }
+}
+
+TEST(Options, AKeyMayHaveAModifierInFront)
+{
+    const Options options =
+        Parse({"--key", "shift+left@0", "--key", "ctrl++@1", "--key", "+@1", "a"});
+    ASSERT_EQ(options.events.size(), 3U);
+    EXPECT_EQ(options.events[0].character, kLeftArrowCharCode);
+    EXPECT_EQ(options.events[0].modifiers, shiftKey);
+    EXPECT_EQ(options.events[1].character, '+');
+    EXPECT_EQ(options.events[1].modifiers, cmdKey);
+    EXPECT_EQ(options.events[2].modifiers, 0);
+    EXPECT_THAT(Complaint({"--key", "shift+@0"}), HasSubstr("--key: '"));
 }
 
 TEST(Options, KeysAreNamedOrSingleCharacters)

@@ -70,6 +70,16 @@ TEST_F(UserActionsTest, KeysGoToTheFirstObjectUntilOneIsClicked)
     EXPECT_EQ(plugins.Count("event b 3 28 0,0"), 1);
 }
 
+TEST_F(UserActionsTest, AKeyComesWithTheModifierThatIsHeldDown)
+{
+    RunToEnd();
+    UserEvent key = Key(29, 0);
+    key.modifiers = shiftKey;
+    UserActions user(page, {key}, false);
+    user.SendDue(0);
+    EXPECT_EQ(plugins.Count("event a 3 29 0,0 shift"), 1);
+}
+
 TEST_F(UserActionsTest, EventsComeInTheOrderOfTheirTimes)
 {
     RunToEnd();

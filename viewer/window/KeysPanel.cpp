@@ -17,6 +17,7 @@ constexpr Line kLines[] = {
     {"Tab", "the next object (Shift: the one before)"},
     {"Space", "play or pause"},
     {"\u2190 \u2192", "one picture back or on"},
+    {"Shift, Ctrl + \u2190 \u2192", "5 seconds, a minute back or on"},
     {"\u2191 \u2193", "volume; scroll where nothing has the focus"},
     {"Page Up, Page Down", "scroll (also Home, End and the wheel)"},
     {"+  \u2212  0", "enlarge, reduce, own size"},

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 namespace viewer
@@ -40,6 +41,19 @@ std::string DescribeDoing(EmbeddedObject& object)
     return loading.empty() ? "ready" : loading;
 }
 
+std::string DescribeClock(SInt64 seconds)
+{
+    constexpr SInt64 kMinute = 60;
+    constexpr SInt64 kHour = 60 * kMinute;
+    const auto twoDigits = [](SInt64 number) {
+        return (number < 10 ? "0" : "") + std::to_string(number);
+    };
+    const SInt64 minutes = seconds % kHour / kMinute;
+    const std::string hours = seconds < kHour ? "" : std::to_string(seconds / kHour) + ":";
+    return hours + (hours.empty() ? std::to_string(minutes) : twoDigits(minutes)) + ":" +
+           twoDigits(seconds % kMinute);
+}
+
 std::string DescribeDimensions(const EmbeddedObject& object)
 {
     const AreaSize size = object.NaturalSize();
@@ -63,6 +77,17 @@ std::string DescribeSize(SInt64 bytes)
     return text.data();
 }
 
+// A second has passed when it is over, but at its end all of a movie has.
+std::string DescribeTime(const MovieStatistics& movie)
+{
+    if (movie.durationSeconds <= 0) {
+        return "";
+    }
+    const SInt64 duration = std::llround(movie.durationSeconds);
+    const auto passed = static_cast<SInt64>(std::max(0.0, movie.timeSeconds));
+    return DescribeClock(movie.atEnd ? duration : passed) + " / " + DescribeClock(duration);
+}
+
 std::optional<int> PercentArrived(EmbeddedObject& object)
 {
     if (!object.HasBytes() || object.Bytes().EstimatedBytes() <= 0) {
@@ -84,6 +109,10 @@ std::vector<std::string> DescribeState(EmbeddedObject& object)
     }
     if (object.HasDimensions() && !object.IsSoundOnly()) {
         parts.push_back(DescribeDimensions(object));
+    }
+    if (object.HasDimensions()) {
+        const std::string time = DescribeTime(object.Statistics());
+        parts.insert(parts.end(), time.empty() ? 0 : 1, time);
     }
     parts.push_back(DescribeDoing(object));
     return parts;

@@ -264,10 +264,12 @@ bool PageInput::OfferKey(SDL_Keycode key, bool isRepeated)
            page_.Click(*object, MakeEvent(isRepeated ? autoKey : keyDown, character, {}));
 }
 
-// Without a focus the space bar is for the first movie that can be seen.
+// Without a focus, keys that are of no use to the page are for the first movie that can be seen.
 EmbeddedObject* PageInput::KeyTaker(UInt8 character) const
 {
-    if (focus_ != nullptr || character != kSpaceCharCode) {
+    const bool isForMovie = character == kSpaceCharCode || character == kLeftArrowCharCode ||
+                            character == kRightArrowCharCode;
+    if (focus_ != nullptr || !isForMovie) {
         return focus_;
     }
     for (const auto& object : page_.Objects()) {

@@ -177,6 +177,7 @@ void WindowRun::Show()
     window_.SetContentHeight(page.ContentHeight());
     paragraphs_.Update();
     const SInt64 now = clock_.Now();
+    captionsAreStale_ = captionsAreStale_ || work_.IsAnyPlaying(); // they tell the time
     if (captionsAreStale_ && now >= captionsDue_) {
         captions_.Update(input_.Focus());
         captionsAreStale_ = false;

@@ -197,8 +197,8 @@ Boolean VornPluginHandleObjectClick(VornPlugin* object, const Rect* displayRect,
                                     const EventRecord* event)
 {
     CheckClip(displayRect);
-    Log("event %s %d %u %d,%d\n", object->name, event->what, event->message, event->where.v,
-        event->where.h);
+    Log("event %s %d %u %d,%d%s\n", object->name, event->what, event->message, event->where.v,
+        event->where.h, (event->modifiers & shiftKey) != 0 ? " shift" : "");
     return 1;
 }
 

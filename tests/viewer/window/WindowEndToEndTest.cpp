@@ -13,6 +13,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -117,6 +118,45 @@ TEST_F(WindowEndToEnd, TheSliderCanBeDragged)
     EXPECT_TRUE(window.WaitUntil([&](const Screenshot& shot) {
         return shot.At(target, kBarMiddle) == kThumbColor && NumberShown(shot) != first;
     }));
+}
+
+// The line of a caption that tells the time.
+std::vector<int> DetailsShown(const Screenshot& shot, int areaBottom)
+{
+    std::vector<int> pixels;
+    for (int y = areaBottom + 24; y < areaBottom + 38; ++y) {
+        for (int x = kMargin; x < kMargin + 240; ++x) {
+            pixels.push_back(shot.At(x, y));
+        }
+    }
+    return pixels;
+}
+
+TEST_F(WindowEndToEnd, ACaptionTellsTheTimeWhileASoundPlays)
+{
+    constexpr int kSoundBottom = kMargin + 17;
+    RunningWindow window(*screen, {"--play", Clip("sound.mp3")});
+    std::set<std::vector<int>> seen;
+    EXPECT_TRUE(window.WaitUntil([&](const Screenshot& shot) {
+        seen.insert(DetailsShown(shot, kSoundBottom));
+        return seen.size() >= 5; // one a second
+    }));
+}
+
+TEST_F(WindowEndToEnd, WithShiftAnArrowSeeksInTheFirstMovieThoughNoneHasTheFocus)
+{
+    RunningWindow window(*screen, {Clip("mpeg1.mpg")});
+    ASSERT_TRUE(window.WaitUntil(ShowsMovie));
+    const std::vector<int> first = NumberShown(window.Look());
+    const auto isAtEnd = [](const Screenshot& shot) {
+        return shot.At(kMargin + 352 - 32 - 4, kBarMiddle) == kThumbColor;
+    };
+    window.Do("key shift+Right");
+    EXPECT_TRUE(window.WaitUntil(
+        [&](const Screenshot& shot) { return NumberShown(shot) != first && isAtEnd(shot); }));
+    window.Do("key shift+Left");
+    EXPECT_TRUE(window.WaitUntil(
+        [&](const Screenshot& shot) { return NumberShown(shot) == first && !isAtEnd(shot); }));
 }
 
 TEST_F(WindowEndToEnd, TheSpaceBarPlaysAndPausesTheMovieWithTheFocus)

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+//
+// What captions say.
+#include "viewer/window/ObjectState.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+MovieStatistics At(double time, double duration)
+{
+    MovieStatistics movie{};
+    movie.timeSeconds = time;
+    movie.durationSeconds = duration;
+    return movie;
+}
+
+TEST(ObjectState, TellsTheTimeOfAMovieAndItsLength)
+{
+    EXPECT_EQ(viewer::DescribeTime(At(0, 5)), "0:00 / 0:05");
+    EXPECT_EQ(viewer::DescribeTime(At(12.9, 60)), "0:12 / 1:00");
+    EXPECT_EQ(viewer::DescribeTime(At(754, 3599)), "12:34 / 59:59");
+    EXPECT_EQ(viewer::DescribeTime(At(3723.4, 36000)), "1:02:03 / 10:00:00");
+}
+
+TEST(ObjectState, TellsNoTimeWhereThereIsNone)
+{
+    EXPECT_EQ(viewer::DescribeTime(At(0, 0)), "");
+}
+
+TEST(ObjectState, AllOfAMovieHasPassedAtItsEnd)
+{
+    MovieStatistics movie = At(3.97, 3.97);
+    EXPECT_EQ(viewer::DescribeTime(movie), "0:03 / 0:04");
+    movie.atEnd = 1;
+    EXPECT_EQ(viewer::DescribeTime(movie), "0:04 / 0:04");
+}
+
+} // namespace
