@@ -16,6 +16,7 @@ namespace
 
 constexpr SInt16 kScrollBarWidth = 8;
 constexpr SInt16 kLeastThumb = 24;
+constexpr SInt16 kNoticeDistance = 16; // from the window's edge
 constexpr Uint32 kThumbPixel = 0xA0A8B4;
 constexpr SInt32 kBytesPerPixel = 4;
 
@@ -182,17 +183,33 @@ Rect PageWindow::ScrollThumb() const
             ToCoordinate(top + length - 1), ToCoordinate(width_ - 1)};
 }
 
+Rect PageWindow::PlaceOf(const Panel& panel, SInt32 top) const
+{
+    const SInt32 left = std::max(0, (width_ - panel.width) / 2);
+    top = std::max(0, top);
+    return {ToCoordinate(top), ToCoordinate(left), ToCoordinate(top + panel.height),
+            ToCoordinate(left + panel.width)};
+}
+
 Rect PageWindow::PanelPlace() const
 {
-    const SInt32 left = std::max(0, (width_ - panel_.width) / 2);
-    const SInt32 top = std::max(0, (height_ - panel_.height) / 2);
-    return {ToCoordinate(top), ToCoordinate(left), ToCoordinate(top + panel_.height),
-            ToCoordinate(left + panel_.width)};
+    return PlaceOf(panel_, (height_ - panel_.height) / 2);
+}
+
+Rect PageWindow::NoticePlace() const
+{
+    return PlaceOf(notice_, height_ - notice_.height - kNoticeDistance);
 }
 
 void PageWindow::ShowPanel(Panel panel)
 {
     panel_ = std::move(panel);
+    isInvalid_ = true;
+}
+
+void PageWindow::ShowNotice(Panel notice)
+{
+    notice_ = std::move(notice);
     isInvalid_ = true;
 }
 
@@ -213,7 +230,8 @@ void PageWindow::Present(CGrafPtr port, const std::vector<Rect>& changes)
         part.bottom = std::min<SInt16>(part.bottom, static_cast<SInt16>(surface->h));
         if (!IsEmpty(part)) {
             CopyPart(port, part, *surface);
-            DrawPanel(part, *surface);
+            DrawPanel(panel_, PanelPlace(), part, *surface);
+            DrawPanel(notice_, NoticePlace(), part, *surface);
             shown.push_back({part.left, part.top, part.right - part.left, part.bottom - part.top});
         }
     };
@@ -248,13 +266,13 @@ void PageWindow::CopyPart(CGrafPtr port, const Rect& part, SDL_Surface& surface)
     }
 }
 
-void PageWindow::DrawPanel(const Rect& part, SDL_Surface& surface) const
+void PageWindow::DrawPanel(const Panel& panel, const Rect& place, const Rect& part,
+                           SDL_Surface& surface)
 {
-    const Rect place = PanelPlace();
     const Rect common = Intersection(part, place);
     for (SInt32 v = common.top; v < common.bottom && common.left < common.right; ++v) {
-        const ptrdiff_t pixel = ptrdiff_t{v - place.top} * panel_.width + common.left - place.left;
-        CopyRow(panel_.pixels.data() + pixel * kBytesPerPixel, PixelOf(surface, common.left, v),
+        const ptrdiff_t pixel = ptrdiff_t{v - place.top} * panel.width + common.left - place.left;
+        CopyRow(panel.pixels.data() + pixel * kBytesPerPixel, PixelOf(surface, common.left, v),
                 common.right - common.left);
     }
 }

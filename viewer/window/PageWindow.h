@@ -49,13 +49,16 @@ public:
     bool IsOnScrollBar(SInt32 x) const;
     void ScrollBarTo(SInt32 y);
 
-    // A picture over the page's middle, x, R, G, B in memory; empty: none.
+    // A picture over the page, x, R, G, B in memory; empty: none.
     struct Panel {
         SInt16 width = 0;
         SInt16 height = 0;
         std::vector<UInt8> pixels;
     };
+    // In the window's middle.
     void ShowPanel(Panel panel);
+    // At the window's bottom, in front of everything.
+    void ShowNotice(Panel notice);
 
     // Everything is to be shown again.
     void Invalidate() { isInvalid_ = true; }
@@ -64,10 +67,13 @@ public:
 
 private:
     void CopyPart(CGrafPtr port, const Rect& part, SDL_Surface& surface) const;
-    void DrawPanel(const Rect& part, SDL_Surface& surface) const;
+    static void DrawPanel(const Panel& panel, const Rect& place, const Rect& part,
+                          SDL_Surface& surface);
     void DrawScrollBar(SDL_Surface& surface) const;
     Rect ScrollThumb() const;
+    Rect PlaceOf(const Panel& panel, SInt32 top) const;
     Rect PanelPlace() const;
+    Rect NoticePlace() const;
 
     struct DestroyWindow {
         void operator()(SDL_Window* window) const { SDL_DestroyWindow(window); }
@@ -79,6 +85,7 @@ private:
     SInt16 top_ = 0;
     bool isInvalid_ = true;
     Panel panel_;
+    Panel notice_;
 };
 
 } // namespace viewer

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <stdexcept>
 
 namespace viewer
 {
@@ -25,15 +26,20 @@ constexpr size_t kPictureFileHeader = 512;
 constexpr SInt16 kDepth = 32;
 constexpr size_t kBytesPerPixel = 4;
 
-std::string FolderFor(const std::string& wanted)
+namespace fs = std::filesystem;
+
+// As a whole path: the user may not know in which folder the program was started.
+fs::path FolderFor(const std::string& wanted)
 {
-    if (!wanted.empty()) {
-        return wanted;
-    }
-    const char* const home = std::getenv("HOME");
-    const std::string pictures = home == nullptr ? "" : std::string(home) + "/Pictures";
     std::error_code ignored;
-    return std::filesystem::is_directory(pictures, ignored) ? pictures : ".";
+    fs::path folder = wanted;
+    if (wanted.empty()) {
+        const char* const home = std::getenv("HOME");
+        const fs::path pictures = home == nullptr ? "" : fs::path(home) / "Pictures";
+        folder = fs::is_directory(pictures, ignored) ? pictures : ".";
+    }
+    const fs::path whole = fs::absolute(folder, ignored).lexically_normal();
+    return whole.empty() ? folder : whole;
 }
 
 struct HandleDisposer {
@@ -48,52 +54,55 @@ struct WorldDisposer {
 
 } // namespace
 
-PictureSaver::PictureSaver(Page& page, const std::string& folder)
-    : page_(page), folder_(FolderFor(folder))
-{
-}
-
 std::string PictureSaver::FreePath(const std::string& name, const std::string& extension) const
 {
-    const std::filesystem::path folder(folder_);
-    std::filesystem::path path = folder / (name + extension);
+    const fs::path folder = FolderFor(folder_);
+    fs::path path = folder / (name + extension);
     std::error_code ignored;
-    for (int i = 2; std::filesystem::exists(path, ignored); ++i) {
+    for (int i = 2; fs::exists(path, ignored); ++i) {
         path = folder / (name + "-" + std::to_string(i) + extension);
     }
     return path.string();
 }
 
-void PictureSaver::SavePicture(EmbeddedObject* object)
+void PictureSaver::Tell(const std::string& name, const std::string& text)
+{
+    Console::Tell(name, text);
+    told_ += (told_.empty() ? "" : "\n") + text;
+}
+
+std::string PictureSaver::SavePicture(EmbeddedObject* object)
 {
     if (object == nullptr || !object->HasDimensions()) {
-        Console::Tell("", "there is no picture to be saved");
-        return;
+        Tell("", "there is no picture to be saved");
+        return std::exchange(told_, {});
     }
-    const std::string name = std::filesystem::path(object->FileName()).stem().string();
+    const std::string name = fs::path(object->FileName()).stem().string();
     const std::string stem = name.empty() || name == "-" ? "picture" : name;
     try {
         const std::string pixels = FreePath(stem, ".png");
         WritePixels(object->DrawnRect(), pixels);
-        Console::Tell(object->Name(), "saved as " + pixels);
+        Tell(object->Name(), "saved as " + pixels);
         const std::string picture = FreePath(stem, ".pict");
         if (WritePicture(*object, picture)) {
-            Console::Tell(object->Name(), "saved as " + picture);
+            Tell(object->Name(), "saved as " + picture);
         }
     } catch (const std::runtime_error& problem) {
-        Console::Tell(object->Name(), problem.what());
+        Tell(object->Name(), problem.what());
     }
+    return std::exchange(told_, {});
 }
 
-void PictureSaver::SavePage()
+std::string PictureSaver::SavePage()
 {
     try {
         const std::string path = FreePath("page", ".png");
-        WritePng(page_.Port(), path);
-        Console::Tell("", "the page was saved as " + path);
+        WritePng(page_.Port(), path, "the picture");
+        Tell("", "the page was saved as " + path);
     } catch (const std::runtime_error& problem) {
-        Console::Tell("", problem.what());
+        Tell("", problem.what());
     }
+    return std::exchange(told_, {});
 }
 
 void PictureSaver::WritePixels(const Rect& area, const std::string& path)

@@ -28,6 +28,8 @@ constexpr SInt64 kCaptionPatience = 100'000;
 constexpr SInt64 kLookWhilePreparing = 1000;
 // How long a wait inside a bundle may take, in milliseconds.
 constexpr int kShortWait = 5;
+// What was saved where.
+constexpr SInt64 kTimeToRead = 5'000'000;
 
 const StreamWatch* gWatch = nullptr;
 
@@ -63,7 +65,7 @@ WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
       sound_(options.wavPath.empty() ? std::make_unique<SoundDevice>() : nullptr),
       work_(options, plugins, *this), captions_(work_.ThePage()), paragraphs_(work_.ThePage()),
       input_(work_.ThePage(), window_), saver_(work_.ThePage(), options.picturesFolder),
-      snapshots_(options.snapshots)
+      notice_(window_), snapshots_(options.snapshots)
 {
     Page& page = work_.ThePage();
     page.SetStyle(StyleWithText(), Page::Height::kGrows);
@@ -122,10 +124,11 @@ void WindowRun::HandleEvents()
 void WindowRun::HandleWish()
 {
     const std::optional<PageInput::Wish> wish = input_.TakeWish();
-    if (wish == PageInput::Wish::kSavePicture) {
-        saver_.SavePicture(input_.ObjectToSave());
-    } else if (wish == PageInput::Wish::kSavePage) {
-        saver_.SavePage();
+    if (wish) {
+        const std::string told = wish == PageInput::Wish::kSavePicture
+                                     ? saver_.SavePicture(input_.ObjectToSave())
+                                     : saver_.SavePage();
+        notice_.Show(told, clock_.Now() + kTimeToRead);
     }
 }
 
@@ -183,6 +186,7 @@ void WindowRun::Show()
         captionsAreStale_ = false;
         captionsDue_ = now + kCaptionInterval;
     }
+    notice_.Tend(now);
     window_.Present(page.Port(), page.TakeChanges());
 }
 
@@ -224,6 +228,7 @@ SInt64 WindowRun::NextInstant() const
     consider(work_.ThePage().NextTime());
     consider(const_cast<PageWork&>(work_).User().NextTime());
     consider(snapshots_.NextTime());
+    consider(notice_.NextTime());
     if (!MoviesArePrepared()) {
         consider(now + kLookWhilePreparing);
     }

@@ -7,6 +7,7 @@
 #include "viewer/Snapshots.h"
 #include "viewer/text/Paragraphs.h"
 #include "viewer/window/Captions.h"
+#include "viewer/window/Notice.h"
 #include "viewer/window/PageInput.h"
 #include "viewer/window/PictureSaver.h"
 #include "viewer/window/SoundDevice.h"
@@ -58,6 +59,7 @@ private:
     Paragraphs paragraphs_;
     PageInput input_;
     PictureSaver saver_;
+    Notice notice_;
     Snapshots snapshots_;
     bool dragFailed_ = false;
     bool mayHaveEvents_ = true; // false right after a wait in vain

@@ -256,6 +256,19 @@ TEST_F(WindowEndToEnd, PAndSSavePicturesIntoTheFolder)
     EXPECT_EQ(ReadScreenshot(window.Folder().Path("mpeg1.png")).width, 352);
 }
 
+TEST_F(WindowEndToEnd, AWordOnTheScreenTellsOfASavedPictureForAWhile)
+{
+    RunningWindow window(*screen, {Clip("mpeg1.mpg")});
+    ASSERT_TRUE(window.WaitUntil(ShowsMovie));
+    const Screenshot before = window.LookAtRest();
+    window.Do("key s");
+    constexpr int kNoticeBottom = HiddenScreen::kHeight - 16;
+    EXPECT_TRUE(window.WaitUntil([](const Screenshot& shot) {
+        return shot.At(HiddenScreen::kWidth / 2, kNoticeBottom - 2) == 0x2B3038;
+    }));
+    EXPECT_TRUE(window.WaitUntil([&](const Screenshot& shot) { return shot == before; }));
+}
+
 TEST_F(WindowEndToEnd, WhatCannotBeShownSaysSoInItsPlaceAndTheRestGoesOn)
 {
     const TestFolder folder;
