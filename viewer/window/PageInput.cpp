@@ -260,8 +260,13 @@ bool PageInput::OfferKey(SDL_Keycode key, bool isRepeated)
 {
     const UInt8 character = CharacterOf(key);
     EmbeddedObject* const object = character == 0 ? nullptr : KeyTaker(character);
-    return object != nullptr &&
-           page_.Click(*object, MakeEvent(isRepeated ? autoKey : keyDown, character, {}));
+    const bool isTaken =
+        object != nullptr &&
+        page_.Click(*object, MakeEvent(isRepeated ? autoKey : keyDown, character, {}));
+    if (isTaken && (key == SDLK_LEFT || key == SDLK_RIGHT)) {
+        sought_ = object;
+    }
+    return isTaken;
 }
 
 // Without a focus, keys that are of no use to the page are for the first movie that can be seen.

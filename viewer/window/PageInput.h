@@ -7,6 +7,7 @@
 #include "viewer/window/PageWindow.h"
 
 #include <optional>
+#include <utility>
 
 namespace viewer
 {
@@ -25,6 +26,8 @@ public:
     // What was asked for since the last call, to be done by others.
     enum class Wish { kSavePicture, kSavePage };
     std::optional<Wish> TakeWish();
+    // The movie that a key has sent elsewhere since the last call, null for none.
+    EmbeddedObject* TakeSought() { return std::exchange(sought_, nullptr); }
     // The object that S is meant for; null if there is none.
     EmbeddedObject* ObjectToSave() const;
     // The window has its size; the page follows.
@@ -56,7 +59,8 @@ private:
     PageWindow& window_;
     EmbeddedObject* focus_ = nullptr;
     EmbeddedObject* pressed_ = nullptr; // takes motion and release
-    bool isScrolling_ = false;          // by the scroll bar
+    EmbeddedObject* sought_ = nullptr;
+    bool isScrolling_ = false; // by the scroll bar
     bool keysAreShown_ = false;
     bool wantsToQuit_ = false;
     double wheelRest_ = 0;

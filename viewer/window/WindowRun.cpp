@@ -5,6 +5,7 @@
 #include "viewer/ObjectDrag.h"
 #include "viewer/PageClock.h"
 #include "viewer/StopRequest.h"
+#include "viewer/window/ObjectState.h"
 
 #include <algorithm>
 #include <utility>
@@ -30,6 +31,8 @@ constexpr SInt64 kLookWhilePreparing = 1000;
 constexpr int kShortWait = 5;
 // What was saved where.
 constexpr SInt64 kTimeToRead = 5'000'000;
+// A time.
+constexpr SInt64 kTimeToGlance = 2'000'000;
 
 const StreamWatch* gWatch = nullptr;
 
@@ -129,6 +132,10 @@ void WindowRun::HandleWish()
                                      ? saver_.SavePicture(input_.ObjectToSave())
                                      : saver_.SavePage();
         notice_.Show(told, clock_.Now() + kTimeToRead);
+    }
+    const EmbeddedObject* const sought = input_.TakeSought();
+    if (sought != nullptr && work_.ThePage().CurrentShape().alone == sought) {
+        notice_.Show(DescribeTime(sought->Statistics()), clock_.Now() + kTimeToGlance);
     }
 }
 

@@ -31,6 +31,7 @@ constexpr int kPlayButton = kMargin + 24;
 constexpr int kBackground = 0xF4F4F4;
 constexpr int kFocusColor = 0x4A7CBE;
 constexpr int kThumbColor = 0x335599;
+constexpr int kNoticeColor = 0x2B3038;
 
 std::string Clip(const std::string& name)
 {
@@ -256,6 +257,21 @@ TEST_F(WindowEndToEnd, PAndSSavePicturesIntoTheFolder)
     EXPECT_EQ(ReadScreenshot(window.Folder().Path("mpeg1.png")).width, 352);
 }
 
+TEST_F(WindowEndToEnd, AMovieAloneShowsItsTimeForAMomentWhenItIsSought)
+{
+    RunningWindow window(*screen, {Clip("mpeg1.mpg")});
+    ASSERT_TRUE(window.WaitUntil(ShowsMovie));
+    window.Do("key F11");
+    const auto hasNotice = [](const Screenshot& shot) {
+        return shot.At(HiddenScreen::kWidth / 2, HiddenScreen::kHeight - 18) == kNoticeColor;
+    };
+    ASSERT_TRUE(window.WaitUntil(
+        [&](const Screenshot& shot) { return shot.At(5, 300) == 0x181818 && !hasNotice(shot); }));
+    window.Do("key shift+Right");
+    EXPECT_TRUE(window.WaitUntil(hasNotice));
+    EXPECT_TRUE(window.WaitUntil([&](const Screenshot& shot) { return !hasNotice(shot); }));
+}
+
 TEST_F(WindowEndToEnd, AWordOnTheScreenTellsOfASavedPictureForAWhile)
 {
     RunningWindow window(*screen, {Clip("mpeg1.mpg")});
@@ -264,7 +280,7 @@ TEST_F(WindowEndToEnd, AWordOnTheScreenTellsOfASavedPictureForAWhile)
     window.Do("key s");
     constexpr int kNoticeBottom = HiddenScreen::kHeight - 16;
     EXPECT_TRUE(window.WaitUntil([](const Screenshot& shot) {
-        return shot.At(HiddenScreen::kWidth / 2, kNoticeBottom - 2) == 0x2B3038;
+        return shot.At(HiddenScreen::kWidth / 2, kNoticeBottom - 2) == kNoticeColor;
     }));
     EXPECT_TRUE(window.WaitUntil([&](const Screenshot& shot) { return shot == before; }));
 }
