@@ -279,14 +279,18 @@ AreaSize EmbeddedObject::WantedArea(SInt16 pageWidth, double zoom) const
     if (IsSoundOnly()) {
         return natural_;
     }
-    const bool mayScale = (description_.displayFlags & kVornDisplayScale) != 0;
-    return AreaForPicture(mayScale ? Zoomed(natural_, zoom) : natural_, description_.displayFlags,
+    return AreaForPicture(MayScale() ? Zoomed(natural_, zoom) : natural_, description_.displayFlags,
                           pageWidth);
 }
 
 bool EmbeddedObject::IsSoundOnly() const
 {
     return natural_.height <= kControllerRows && plugin_.Bundle()->PlaysMovies();
+}
+
+bool EmbeddedObject::MayScale() const
+{
+    return (description_.displayFlags & kVornDisplayScale) != 0 && !IsSoundOnly();
 }
 
 Rect EmbeddedObject::DrawnRect() const

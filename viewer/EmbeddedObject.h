@@ -88,6 +88,8 @@ public:
     // The size of its own that it told.
     AreaSize NaturalSize() const { return natural_; }
     bool IsSoundOnly() const;
+    // In proportion, to any size.
+    bool MayScale() const;
     // Where in its area it draws.
     Rect DrawnRect() const;
     bool HasDimensions() const { return hasDimensions_; }

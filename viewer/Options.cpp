@@ -150,6 +150,7 @@ void Parser::TakePageOption(int code, const std::string& value)
     switch (code) {
     case kSize:
         ReadSize("--size", value, options_.width, options_.height);
+        options_.sizeIsGiven = true;
         break;
     case kArrive:
         options_.bytesPerSecond = ReadWholeNumber("--arrive", value, 1, kMostBytesPerSecond);
@@ -277,7 +278,7 @@ Shows a page of objects: files, folders, e-mails and web archives (.eml,
 .mhtml), http and https URLs, - for standard input. F1 shows a window's keys.
   --info, --list-plugins  tell about the objects; what the plug-ins accept
   --headless              no window; the page is drawn on a clock of its own
-  --size WxH              the page's size (800x600)
+  --size WxH              the page's size (800x600; a window fits one object)
   --type MIME, --flags N  type and display flags (0x1F) of objects that follow
   --arrive BYTES          bytes per second at which each object's bytes arrive
   --play                  click the play button of each movie once it is there

@@ -51,6 +51,7 @@ struct Options {
     bool play = false;
     SInt16 width = 800;
     SInt16 height = 600;
+    bool sizeIsGiven = false;
     std::optional<SInt64> bytesPerSecond;
     std::optional<SInt64> until; // microseconds
     std::vector<SnapshotRequest> snapshots;

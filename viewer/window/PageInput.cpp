@@ -80,12 +80,13 @@ void PageInput::HandleWindow(const SDL_WindowEvent& event)
     }
 }
 
-void PageInput::FitPage()
+void PageInput::FitPage(double zoom)
 {
     window_.TakeSize();
     Page::Shape shape = page_.CurrentShape();
     shape.width = window_.Width();
     shape.height = window_.Height();
+    shape.zoom = zoom;
     Reshape(shape);
 }
 
@@ -345,7 +346,7 @@ void PageInput::ShowAlone(EmbeddedObject* object)
 void PageInput::Zoom(double factor)
 {
     Page::Shape shape = page_.CurrentShape();
-    shape.zoom = std::clamp(shape.zoom * factor, kLeastZoom, kMostZoom);
+    shape.zoom = std::clamp(shape.zoom * factor, std::min(kLeastZoom, shape.zoom), kMostZoom);
     if (std::abs(shape.zoom - 1) < 0.01) {
         shape.zoom = 1;
     }

@@ -30,8 +30,9 @@ public:
     EmbeddedObject* TakeSought() { return std::exchange(sought_, nullptr); }
     // The object that S is meant for; null if there is none.
     EmbeddedObject* ObjectToSave() const;
-    // The window has its size; the page follows.
-    void FitPage();
+    // The window has its size; the page follows, its objects enlarged as they are or by that much.
+    void FitPage() { FitPage(page_.CurrentShape().zoom); }
+    void FitPage(double zoom);
 
 private:
     void HandleWindow(const SDL_WindowEvent& event);

@@ -101,6 +101,43 @@ bool PageWindow::TakeSize()
     return true;
 }
 
+// Where its pixels may be: what the screen's bars and the window's own frame leave.
+Rect PageWindow::ScreenPart() const
+{
+    SDL_Rect free{0, 0, width_, height_};
+    const int display = std::max(0, SDL_GetWindowDisplayIndex(window_.get()));
+    SDL_GetDisplayUsableBounds(display, &free);
+    int top = 0;
+    int left = 0;
+    int bottom = 0;
+    int right = 0;
+    SDL_GetWindowBordersSize(window_.get(), &top, &left, &bottom, &right);
+    return {static_cast<SInt16>(free.y + top), static_cast<SInt16>(free.x + left),
+            static_cast<SInt16>(free.y + free.h - bottom),
+            static_cast<SInt16>(free.x + free.w - right)};
+}
+
+AreaSize PageWindow::RoomOnScreen() const
+{
+    const Rect part = ScreenPart();
+    return {static_cast<SInt16>(part.right - part.left),
+            static_cast<SInt16>(part.bottom - part.top)};
+}
+
+void PageWindow::Resize(AreaSize size)
+{
+    const Rect part = ScreenPart();
+    int left = 0;
+    int top = 0;
+    SDL_GetWindowPosition(window_.get(), &left, &top);
+    left = std::max<int>(part.left,
+                         std::min(left + (width_ - size.width) / 2, part.right - size.width));
+    top = std::max<int>(part.top,
+                        std::min(top + (height_ - size.height) / 2, part.bottom - size.height));
+    SDL_SetWindowSize(window_.get(), size.width, size.height);
+    SDL_SetWindowPosition(window_.get(), left, top);
+}
+
 void PageWindow::SetFullScreen(bool full)
 {
     SDL_SetWindowFullscreen(window_.get(), full ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);

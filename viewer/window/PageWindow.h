@@ -4,6 +4,7 @@
 #pragma once
 
 #include "toolbox/quickdraw/QuickDraw.h"
+#include "viewer/Layout.h"
 #include "viewer/text/Canvas.h"
 #include "viewer/window/WindowPart.h"
 
@@ -31,6 +32,10 @@ public:
     UInt32 Id() const { return SDL_GetWindowID(window_.get()); }
     // The user has given it another size. False if it is the same.
     bool TakeSize();
+    // How large it could be on its screen, its frame aside.
+    AreaSize RoomOnScreen() const;
+    // Its middle stays where it is as far as the screen goes.
+    void Resize(AreaSize size);
     void SetFullScreen(bool full);
     bool IsFullScreen() const;
     void SetTitle(const std::string& title);
@@ -71,6 +76,7 @@ private:
                           SDL_Surface& surface);
     void DrawScrollBar(SDL_Surface& surface) const;
     Rect ScrollThumb() const;
+    Rect ScreenPart() const;
     Rect PlaceOf(const Panel& panel, SInt32 top) const;
     Rect PanelPlace() const;
     Rect NoticePlace() const;

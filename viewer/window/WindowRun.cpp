@@ -6,6 +6,7 @@
 #include "viewer/PageClock.h"
 #include "viewer/StopRequest.h"
 #include "viewer/window/ObjectState.h"
+#include "viewer/window/OpeningSize.h"
 
 #include <algorithm>
 #include <utility>
@@ -60,6 +61,16 @@ PageWindow OpenWindow(const Options& options, const PluginFolder& plugins)
     return {TitleOf(options), options.width, options.height};
 }
 
+// Unless the user counts on the page's size, or on places on it.
+bool MayFitWindow(const Options& options)
+{
+    const auto isClick = [](const UserEvent& event) {
+        return event.kind == UserEvent::Kind::kClick;
+    };
+    return !options.sizeIsGiven && options.snapshots.empty() &&
+           std::none_of(options.events.begin(), options.events.end(), isClick);
+}
+
 } // namespace
 
 WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
@@ -68,7 +79,7 @@ WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
       sound_(options.wavPath.empty() ? std::make_unique<SoundDevice>() : nullptr),
       work_(options, plugins, *this), captions_(work_.ThePage()), paragraphs_(work_.ThePage()),
       input_(work_.ThePage(), window_), saver_(work_.ThePage(), options.picturesFolder),
-      notice_(window_), snapshots_(options.snapshots)
+      notice_(window_), snapshots_(options.snapshots), mayFitWindow_(MayFitWindow(options))
 {
     Page& page = work_.ThePage();
     page.SetStyle(StyleWithText(), Page::Height::kGrows);
@@ -93,6 +104,7 @@ PageReport WindowRun::Run()
         HandleEvents();
         DoRounds();
         Show();
+        FitWindow();
         snapshots_.TakeDue(work_.ThePage().Port(), clock_.Now());
         if (IsOver()) {
             break;
@@ -195,6 +207,29 @@ void WindowRun::Show()
     }
     notice_.Tend(now);
     window_.Present(page.Port(), page.TakeChanges());
+}
+
+// An object that is all there is gets a window of its size. Not before it is shown as the window
+// is: that would come later.
+void WindowRun::FitWindow()
+{
+    const Page& page = work_.ThePage();
+    const auto& objects = page.Objects();
+    if (!mayFitWindow_ || objects.size() != 1 || !objects[0]->WasDisplayed()) {
+        return;
+    }
+    mayFitWindow_ = false;
+    const Page::Shape& shape = page.CurrentShape();
+    const bool isAsOpened = shape.width == options_.width && shape.height == options_.height &&
+                            shape.zoom == 1 && shape.alone == nullptr;
+    if (!isAsOpened || !page.Texts().Blocks().empty()) {
+        return;
+    }
+    const EmbeddedObject& object = *objects[0];
+    const OpeningSize opening = OpeningSizeFor(object.NaturalSize(), object.MayScale(),
+                                               window_.RoomOnScreen(), page.Style());
+    window_.Resize(opening.window);
+    input_.FitPage(opening.zoom);
 }
 
 bool WindowRun::IsOver() const

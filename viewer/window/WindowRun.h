@@ -42,6 +42,7 @@ private:
     bool IsAtRest() const;
     bool GoesOnAtOnce() const;
     void Show();
+    void FitWindow();
     bool IsOver() const;
     void Sleep();
     SInt64 NextInstant() const;
@@ -62,6 +63,7 @@ private:
     Notice notice_;
     Snapshots snapshots_;
     bool dragFailed_ = false;
+    bool mayFitWindow_;
     bool mayHaveEvents_ = true; // false right after a wait in vain
     int quietRounds_ = 0;
     bool hasFirstPicture_ = false; // and it has not been shown

@@ -106,7 +106,7 @@ bool HiddenScreen::StartManager() const
 }
 
 RunningWindow::RunningWindow(const HiddenScreen& screen, const std::vector<std::string>& arguments,
-                             const std::string& sound)
+                             const std::string& sound, Size size)
     : screen_(screen)
 {
     std::filesystem::create_directory(folder_.Path("tmp"));
@@ -115,8 +115,10 @@ RunningWindow::RunningWindow(const HiddenScreen& screen, const std::vector<std::
         "print_suppressions=0:suppressions=" + folder_.Write("leaks", "leak:libdbus\n");
     std::vector<std::string> command = {VORNVIEW, "--report", folder_.Path("report"), "--pictures",
                                         folder_.Path("")};
-    command.insert(command.end(), {"--size", std::to_string(HiddenScreen::kWidth) + "x" +
-                                                 std::to_string(HiddenScreen::kHeight)});
+    if (size == Size::kScreen) {
+        command.insert(command.end(), {"--size", std::to_string(HiddenScreen::kWidth) + "x" +
+                                                     std::to_string(HiddenScreen::kHeight)});
+    }
     command.insert(command.end(), arguments.begin(), arguments.end());
     program_ = fork();
     if (program_ == 0) {

@@ -39,10 +39,11 @@ private:
 class RunningWindow
 {
 public:
-    // The window takes the whole screen, so that places in it are places on the screen. `sound` is
-    // SDL's name of the way to the sound device.
+    // The window takes the whole screen, so that places in it are places on the screen, or has the
+    // size that the program gives it. `sound` is SDL's name of the way to the sound device.
+    enum class Size { kScreen, kOwn };
     RunningWindow(const HiddenScreen& screen, const std::vector<std::string>& arguments,
-                  const std::string& sound = "dummy");
+                  const std::string& sound = "dummy", Size size = Size::kScreen);
     // Kills what still runs.
     ~RunningWindow();
     RunningWindow(const RunningWindow&) = delete;
@@ -52,8 +53,8 @@ public:
     // Looks until it is as expected; false, and a line about what is there instead, if that takes
     // too long.
     bool WaitUntil(const std::function<bool(const Screenshot&)>& isAsExpected) const;
-    // What it shows when that has not changed for a while: the first picture comes before the rest of
-    // a clip has been taken in.
+    // What it shows when that has not changed for a while: the first picture comes before the rest
+    // of a clip has been taken in.
     Screenshot LookAtRest() const;
     // Commands for xdotool.
     void Do(const std::string& commands) const;

@@ -2,6 +2,7 @@
 //
 // What a user sees and does, in a real X server.
 #include "tests/viewer/window/RunningWindow.h"
+#include "toolbox/Types.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -363,6 +364,47 @@ TEST_F(WindowEndToEnd, SeveralMoviesPlayTogether)
     for (const auto& object : result.report["objects"]) {
         EXPECT_GT(object["sound_samples"], 0);
     }
+}
+
+// The part of the screen that is not black.
+Rect WindowPart(const Screenshot& shot)
+{
+    Rect part = {INT16_MAX, INT16_MAX, 0, 0};
+    for (SInt16 v = 0; v < shot.height; ++v) {
+        for (SInt16 h = 0; h < shot.width; ++h) {
+            if (shot.At(h, v) != 0) {
+                part = {std::min(part.top, v), std::min(part.left, h), SInt16(v + 1),
+                        std::max(part.right, SInt16(h + 1))};
+            }
+        }
+    }
+    return part;
+}
+
+TEST_F(WindowEndToEnd, ASingleObjectGetsAWindowOfItsSizeOnceItIsShown)
+{
+    constexpr int kZoom = 3; // four times would be more than four fifths of the screen
+    RunningWindow window(*screen, {Clip("silent.mpg")}, "dummy", RunningWindow::Size::kOwn);
+    EXPECT_TRUE(window.WaitUntil([](const Screenshot& shot) {
+        const Rect part = WindowPart(shot);
+        return part.right - part.left == kZoom * 160 + 2 * kMargin &&
+               part.bottom - part.top == kZoom * (120 + 17) + 2 * kMargin + 40 &&
+               shot.At(part.left + kMargin + kZoom * 160 - 10, part.top + kMargin + 200) !=
+                   kBackground;
+    }));
+}
+
+TEST_F(WindowEndToEnd, SeveralObjectsGetAWindowOfTheUsualSize)
+{
+    RunningWindow window(*screen, {Clip("silent.mpg"), Clip("mpeg1.mpg")}, "dummy",
+                         RunningWindow::Size::kOwn);
+    ASSERT_TRUE(window.WaitUntil([](const Screenshot& shot) {
+        const Rect part = WindowPart(shot);
+        return shot.At(part.left + kMargin + 30, part.top + kMargin + 100) != kBackground;
+    }));
+    const Rect part = WindowPart(window.LookAtRest());
+    EXPECT_EQ(part.right - part.left, 800);
+    EXPECT_EQ(part.bottom - part.top, 600);
 }
 
 // Without a window manager nobody makes a window as large as the screen.
