@@ -6,7 +6,8 @@
 namespace viewer
 {
 
-// What the keys do, to be shown over the page.
-PageWindow::Panel MakeKeysPanel();
+// What the keys do, to be shown over the page. In a window with little room lines are broken and
+// writing becomes smaller, so that all of it can be read.
+PageWindow::Panel MakeKeysPanel(AreaSize window);
 
 } // namespace viewer

@@ -82,7 +82,9 @@ void PageInput::HandleWindow(const SDL_WindowEvent& event)
 
 void PageInput::FitPage(double zoom)
 {
-    window_.TakeSize();
+    if (window_.TakeSize() && keysAreShown_) {
+        ShowKeys();
+    }
     Page::Shape shape = page_.CurrentShape();
     shape.width = window_.Width();
     shape.height = window_.Height();
@@ -356,7 +358,13 @@ void PageInput::Zoom(double factor)
 void PageInput::ToggleKeys()
 {
     keysAreShown_ = !keysAreShown_;
-    window_.ShowPanel(keysAreShown_ ? MakeKeysPanel() : PageWindow::Panel());
+    ShowKeys();
+}
+
+void PageInput::ShowKeys()
+{
+    window_.ShowPanel(keysAreShown_ ? MakeKeysPanel({window_.Width(), window_.Height()})
+                                    : PageWindow::Panel());
 }
 
 std::optional<PageInput::Wish> PageInput::TakeWish()

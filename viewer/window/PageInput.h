@@ -54,6 +54,7 @@ private:
     void Zoom(double factor);
     void Reshape(Page::Shape shape);
     void ToggleKeys();
+    void ShowKeys();
     EventRecord MakeEvent(UInt16 what, UInt32 message, Point where) const;
 
     Page& page_;
