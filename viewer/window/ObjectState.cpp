@@ -35,10 +35,11 @@ std::string DescribeDoing(EmbeddedObject& object)
         return "waiting for bytes";
     }
     const std::string loading = object.IsSettled() ? "" : DescribeLoading(object);
-    if (statistics.playing != 0) {
-        return loading.empty() ? "playing" : "playing, " + loading;
+    const std::string playing = DescribePlaying(statistics);
+    if (playing.empty() || loading.empty()) {
+        return playing.empty() && loading.empty() ? "ready" : playing + loading;
     }
-    return loading.empty() ? "ready" : loading;
+    return playing + ", " + loading;
 }
 
 std::string DescribeClock(SInt64 seconds)
@@ -86,6 +87,17 @@ std::string DescribeTime(const MovieStatistics& movie)
     const SInt64 duration = std::llround(movie.durationSeconds);
     const auto passed = static_cast<SInt64>(std::max(0.0, movie.timeSeconds));
     return DescribeClock(movie.atEnd ? duration : passed) + " / " + DescribeClock(duration);
+}
+
+std::string DescribePlaying(const MovieStatistics& movie)
+{
+    if (movie.playing != 0) {
+        return "playing";
+    }
+    if (movie.atEnd != 0) {
+        return "finished";
+    }
+    return movie.timeSeconds > 0 ? "paused" : "";
 }
 
 std::optional<int> PercentArrived(EmbeddedObject& object)

@@ -19,6 +19,8 @@ std::optional<int> PercentArrived(EmbeddedObject& object);
 // Where a movie stands and how long it is, as far as known: "0:12 / 1:00", "1:02:03 / 2:00:00".
 // Empty where there is none.
 std::string DescribeTime(const MovieStatistics& movie);
+// "playing", "paused", "finished"; empty for a movie at its beginning.
+std::string DescribePlaying(const MovieStatistics& movie);
 // "14 bytes", "3 KB", "1.2 MB".
 std::string DescribeSize(SInt64 bytes);
 

@@ -37,4 +37,19 @@ TEST(ObjectState, AllOfAMovieHasPassedAtItsEnd)
     EXPECT_EQ(viewer::DescribeTime(movie), "0:04 / 0:04");
 }
 
+TEST(ObjectState, TellsAMovieThatIsPausedFromOneThatWasNotPlayed)
+{
+    EXPECT_EQ(viewer::DescribePlaying(At(0, 60)), "");
+    EXPECT_EQ(viewer::DescribePlaying(At(12.5, 60)), "paused");
+}
+
+TEST(ObjectState, TellsAMovieThatPlaysFromOneThatHasFinished)
+{
+    MovieStatistics movie = At(60, 60);
+    movie.atEnd = 1;
+    EXPECT_EQ(viewer::DescribePlaying(movie), "finished");
+    movie.playing = 1;
+    EXPECT_EQ(viewer::DescribePlaying(movie), "playing");
+}
+
 } // namespace
