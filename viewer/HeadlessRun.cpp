@@ -31,6 +31,16 @@ SInt64 RealMicroseconds()
         .count();
 }
 
+std::string DescribeHidden(const Page::Below& below)
+{
+    const auto count = [](int objects, const char* one, const char* several) {
+        const std::string number = std::to_string(objects);
+        return objects == 0 ? "" : ", " + number + " " + (objects == 1 ? one : several);
+    };
+    return count(below.cut, "object is cut off", "objects are cut off") +
+           count(below.objects, "object lies below", "objects lie below");
+}
+
 } // namespace
 
 HeadlessRun::HeadlessRun(const Options& options, const PluginFolder& plugins)
@@ -198,20 +208,22 @@ void HeadlessRun::TellOutcome()
     }
 }
 
+// What is cut off matters to who looks at the page only.
 void HeadlessRun::TellWhatIsBelow() const
 {
     const Page& page = work_.ThePage();
     const Page::Below below = page.LookBelow();
+    const int cut = options_.snapshots.empty() ? 0 : below.cut;
     const bool isTextBelow = text_ != nullptr && page.Texts().Bottom() > options_.height;
-    if (below.objects == 0 && !isTextBelow) {
+    if (below.objects == 0 && cut == 0 && !isTextBelow) {
         return;
     }
-    const std::string what = below.objects == 0   ? "text lies"
-                             : below.objects == 1 ? "1 object lies"
-                                                  : std::to_string(below.objects) + " objects lie";
-    Console::Tell("", what + " below the page; --size " + std::to_string(page.Width()) + "x" +
-                          std::to_string(isTextBelow ? page.ContentHeight() : below.bottom) +
-                          " shows more");
+    const int bottom = isTextBelow ? page.ContentHeight() : below.bottom;
+    const int hidden = bottom - options_.height;
+    Console::Tell("", "the page is " + std::to_string(hidden) + (hidden == 1 ? " row" : " rows") +
+                          " higher than what is shown of it" + DescribeHidden(below) + "; --size " +
+                          std::to_string(page.Width()) + "x" + std::to_string(bottom) +
+                          " shows all");
 }
 
 void HeadlessRun::TellOfTextNotDrawn() const

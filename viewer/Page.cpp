@@ -295,8 +295,8 @@ Page::Below Page::LookBelow() const
     Below below;
     for (const auto& object : objects_) {
         const Rect& area = object->Area();
-        if (object->HasDimensions() && area.top >= end) {
-            ++below.objects;
+        if (object->HasDimensions() && area.bottom > end) {
+            ++(area.top >= end ? below.objects : below.cut);
             below.bottom = std::max(below.bottom, area.bottom);
         }
     }

@@ -59,9 +59,11 @@ public:
     std::vector<Rect> TakeChanges() { return port_.TakeChanges(); }
     // Notes what came of the round.
     void ObserveObjects();
-    // How many objects with a size lie below the page's end, and where the lowest of them ends.
+    // How many objects with a size lie below the page's end, how many it cuts off, and where the
+    // lowest of them ends.
     struct Below {
         int objects = 0;
+        int cut = 0;
         SInt16 bottom = 0;
     };
     Below LookBelow() const;

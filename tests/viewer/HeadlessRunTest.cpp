@@ -296,7 +296,21 @@ TEST_F(HeadlessRunTest, ObjectsBelowThePageAreTold)
     Add("c");
     Add("d");
     Run();
-    EXPECT_TRUE(Told("2 objects lie below the page; --size 100x224 shows more"));
+    EXPECT_TRUE(Told("the page is 164 rows higher than what is shown of it, 1 object is cut off, "
+                     "2 objects lie below; --size 100x224 shows all"));
+}
+
+TEST_F(HeadlessRunTest, AnObjectThatASnapshotCutsOffIsTold)
+{
+    options.width = 100;
+    options.height = 40;
+    Add("a");
+    Run();
+    EXPECT_EQ(told, "") << "nobody looks";
+    options.snapshots = {{std::nullopt, folder.Path("page.png")}};
+    Run();
+    EXPECT_TRUE(Told("the page is 10 rows higher than what is shown of it, 1 object is cut off; "
+                     "--size 100x50 shows all"));
 }
 
 TEST_F(HeadlessRunTest, AFifoThatStallsLetsTheOthersOpenAndIsShownInTheEnd)

@@ -97,6 +97,7 @@ TEST_F(PageTest, CountsWhatLiesBelowIt)
     EXPECT_EQ(page.LookBelow().objects, 0);
     RunToEnd();
     EXPECT_EQ(page.LookBelow().objects, 2); // two in each row of 58
+    EXPECT_EQ(page.LookBelow().cut, 2);
     EXPECT_EQ(page.LookBelow().bottom, 4 * 58 + 50);
 }
 
