@@ -63,7 +63,7 @@ const char* MeaningOf(OSErr error)
 void Console::Tell(const std::string& name, const std::string& text)
 {
     ClearProgress();
-    const std::string prefix = name.empty() ? "" : name + ": ";
+    const std::string prefix = name.empty() ? "" : (name == "-" ? "standard input" : name) + ": ";
     std::fprintf(stderr, "vornview: %s%s\n", prefix.c_str(), text.c_str());
 }
 

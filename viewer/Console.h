@@ -13,7 +13,7 @@ namespace viewer
 class Console
 {
 public:
-    // "vornview: NAME: TEXT", or without a name.
+    // "vornview: NAME: TEXT", or without a name; the name "-" is standard input's.
     static void Tell(const std::string& name, const std::string& text);
     // Whether to call ShowProgress: on a terminal only, a few times a second at most.
     static bool IsProgressDue();

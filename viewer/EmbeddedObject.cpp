@@ -88,25 +88,24 @@ void EmbeddedObject::Decode()
 
 void EmbeddedObject::GiveUp(OSErr error, const std::string& why)
 {
-    GiveUpSilently(error, why);
+    startError_ = error;
+    startProblem_ = why;
+    state_ = State::kGivenUp;
+    if (bytes_ != nullptr) {
+        bytes_->StopReceiving(); // whoever sends the bytes need not go on
+    }
     Console::Tell(Name(), Problem());
 }
 
 void EmbeddedObject::GiveUpUnknownType()
 {
     const std::string& type = description_.type.mimeType;
-    if (bytes_->IsEmpty()) {
-        GiveUp(paramErr, "it is empty");
-        return;
-    }
-    if (LacksCodecs()) {
+    if (LacksCodecs() && !bytes_->IsEmpty()) {
         GiveUpMovie();
-        return;
+    } else {
+        GiveUp(paramErr, type.empty() ? "its type is unknown, nothing here can show it"
+                                      : "nothing here can show its type, " + type);
     }
-    GiveUpSilently(paramErr, "nothing here can show type " + (type.empty() ? "unknown" : type));
-    Console::Tell("", "nothing here can show " + Name() + " (type " +
-                          (type.empty() ? "unknown" : type) + ", error " +
-                          std::to_string(startError_) + ")");
 }
 
 // That may turn out at any time while they are being loaded.
@@ -118,17 +117,6 @@ bool EmbeddedObject::LacksCodecs() const
 void EmbeddedObject::GiveUpMovie()
 {
     GiveUp(noCodecErr, MeaningOf(noCodecErr));
-}
-
-// Whoever sends the bytes need not go on.
-void EmbeddedObject::GiveUpSilently(OSErr error, const std::string& why)
-{
-    startError_ = error;
-    startProblem_ = why;
-    state_ = State::kGivenUp;
-    if (bytes_ != nullptr) {
-        bytes_->StopReceiving();
-    }
 }
 
 void EmbeddedObject::Cancel()
@@ -408,15 +396,16 @@ ObjectReport EmbeddedObject::Report()
 std::string EmbeddedObject::Problem() const
 {
     const OSErr error = Error();
-    const std::string number = " (error " + std::to_string(error) + ")";
     if (error == noErr) {
         return "";
     }
-    if (state_ == State::kGivenUp) {
-        return startProblem_ + number;
+    // The number would only tell who noticed it.
+    const bool isForWantOfBytes = error == paramErr || error == NothingInIt();
+    if (isForWantOfBytes && bytes_ != nullptr && bytes_->IsEmpty()) {
+        return "it is empty";
     }
-    if (error == NothingInIt() && bytes_->IsEmpty()) {
-        return "it is empty" + number;
+    if (state_ == State::kGivenUp) {
+        return startProblem_ + " (error " + std::to_string(error) + ")";
     }
     // An image only knows that its data ended: the source knows why.
     if (const SourceFailure& failure = bytes_->Failure();

@@ -135,7 +135,6 @@ private:
     void Decode();
     bool LacksCodecs() const;
     void GiveUpMovie();
-    void GiveUpSilently(OSErr error, const std::string& why);
     OSErr Error() const;
     OSErr NothingInIt() const;
     bool IsShown() const;
