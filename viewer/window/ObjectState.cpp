@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cinttypes>
 #include <cmath>
 #include <cstdio>
 
@@ -46,13 +47,15 @@ std::string DescribeClock(SInt64 seconds)
 {
     constexpr SInt64 kMinute = 60;
     constexpr SInt64 kHour = 60 * kMinute;
-    const auto twoDigits = [](SInt64 number) {
-        return (number < 10 ? "0" : "") + std::to_string(number);
-    };
-    const SInt64 minutes = seconds % kHour / kMinute;
-    const std::string hours = seconds < kHour ? "" : std::to_string(seconds / kHour) + ":";
-    return hours + (hours.empty() ? std::to_string(minutes) : twoDigits(minutes)) + ":" +
-           twoDigits(seconds % kMinute);
+    std::array<char, 48> text{};
+    if (seconds < kHour) {
+        std::snprintf(text.data(), text.size(), "%" PRId64 ":%02" PRId64, seconds / kMinute,
+                      seconds % kMinute);
+    } else {
+        std::snprintf(text.data(), text.size(), "%" PRId64 ":%02" PRId64 ":%02" PRId64,
+                      seconds / kHour, seconds % kHour / kMinute, seconds % kMinute);
+    }
+    return text.data();
 }
 
 std::string DescribeDimensions(const EmbeddedObject& object)
