@@ -24,7 +24,7 @@ protected:
         fs::create_directories(top.Path("scripts"));
         fs::create_directories(top.Path("build/release/bin"));
         fs::create_directories(top.Path("build/samples"));
-        fs::copy_file(VIEW_SCRIPT, top.Path("scripts/view"));
+        fs::copy_file(SCRIPTS "/view", top.Path("scripts/view"));
         WriteProgram("scripts/build", "true");
         MakeViewer(0, true);
     }
@@ -55,15 +55,14 @@ protected:
         return WEXITSTATUS(status);
     }
 
-    TestFolder top;
-    std::string told;
-    std::string called;
-
-private:
     void WriteProgram(const std::string& name, const std::string& lines)
     {
         fs::permissions(top.Write(name, "#!/bin/sh\n" + lines + "\n"), fs::perms::owner_all);
     }
+
+    TestFolder top;
+    std::string told;
+    std::string called;
 };
 
 TEST_F(ViewScript, WithoutArgumentsPlaysTheSampleIntoFiles)
@@ -74,6 +73,17 @@ TEST_F(ViewScript, WithoutArgumentsPlaysTheSampleIntoFiles)
     EXPECT_THAT(told, HasSubstr("into these files"));
     EXPECT_THAT(told, HasSubstr("page.png"));
     EXPECT_THAT(told, Not(HasSubstr("sound.wav"))); // this viewer wrote none
+}
+
+TEST_F(ViewScript, TheSampleIsMadeOnceWithWhatThatTakes)
+{
+    const std::string log = top.Path("made");
+    fs::remove(top.Path("build/samples"));
+    WriteProgram("scripts/setup", "echo setup \"$*\" >> " + log);
+    WriteProgram("scripts/make-clips", "echo clips >> " + log + "; mkdir \"$1\"");
+    EXPECT_EQ(View(""), 0);
+    EXPECT_EQ(View(""), 0);
+    EXPECT_EQ(top.Read("made"), "setup --clips\nclips\n");
 }
 
 TEST_F(ViewScript, SoundIsToldOfWhereThereIsSome)
