@@ -11,12 +11,11 @@
 namespace
 {
 
-using toolbox::LibAV;
 using toolbox::LibAVPtr;
 
 LibAVPtr<AVFrame> MakePicture(int width, int height)
 {
-    LibAVPtr<AVFrame> picture(LibAV().av_frame_alloc());
+    LibAVPtr<AVFrame> picture(av_frame_alloc());
     picture->width = width;
     picture->height = height;
     picture->format = AV_PIX_FMT_YUV420P;
@@ -72,15 +71,14 @@ void BM_ConvertWithSwscaleAlone(benchmark::State& state)
     const int width = static_cast<int>(state.range(0));
     const int height = static_cast<int>(state.range(1));
     const auto picture = MakePicture(width, height);
-    const LibAVPtr<SwsContext> scaler(
-        LibAV().sws_getContext(width, height, AV_PIX_FMT_YUV420P, width, height, AV_PIX_FMT_BGRA,
-                               SWS_BICUBIC, nullptr, nullptr, nullptr));
+    const LibAVPtr<SwsContext> scaler(sws_getContext(width, height, AV_PIX_FMT_YUV420P, width,
+                                                     height, AV_PIX_FMT_BGRA, SWS_BICUBIC, nullptr,
+                                                     nullptr, nullptr));
     std::vector<uint8_t> pixels(static_cast<size_t>(width * height) * 4 + 64);
     uint8_t* const rows[] = {pixels.data()};
     const int rowBytes[] = {width * 4};
     for (auto _ : state) {
-        LibAV().sws_scale(scaler.get(), picture->data, picture->linesize, 0, height, rows,
-                          rowBytes);
+        sws_scale(scaler.get(), picture->data, picture->linesize, 0, height, rows, rowBytes);
     }
     CountPixels(state, width, height);
 }

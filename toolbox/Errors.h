@@ -37,7 +37,7 @@ enum {
     invalidMovie = -2010,
     cantOpenHandler = -2017, /* no data handler component for that type */
     gestaltUndefSelectorErr = -5551,
-    noCodecErr = -8961, /* the libraries that decode it cannot be loaded */
+    noCodecErr = -8961, /* no library here decodes it */
     badComponentInstance = (int)0x80008001,
     badComponentSelector = (int)0x80008002
 };

@@ -28,7 +28,7 @@ const char* MeaningOf(OSErr error)
     case invalidMovie:
         return "the movie in it is damaged";
     case noCodecErr:
-        return "the libraries that decode movies cannot be loaded";
+        return "the codec libraries of this system decode no MPEG movies";
     case kVornErrRenderFailed:
         return "it is damaged: not all of it could be shown";
     case kDataNotAvailableErr:

@@ -61,7 +61,7 @@ void EmbeddedObject::Start(const PluginBundle& bundle)
     ++timesStarted_;
     const BundleCall call(this);
     if (const OSErr error = plugin_.Make(bundle, description_); error != noErr) {
-        LacksCodecs() ? GiveUpMovie() : GiveUp(error, "its plug-in could not be started");
+        GiveUp(error, "its plug-in could not be started");
         return;
     }
     state_ = State::kDecoding;
@@ -100,23 +100,12 @@ void EmbeddedObject::GiveUp(OSErr error, const std::string& why)
 void EmbeddedObject::GiveUpUnknownType()
 {
     const std::string& type = description_.type.mimeType;
-    if (LacksCodecs() && !bytes_->IsEmpty()) {
-        GiveUpMovie();
+    if (IsMovieType(type) && !QuickTimePresent() && !bytes_->IsEmpty()) {
+        GiveUp(noCodecErr, MeaningOf(noCodecErr));
     } else {
         GiveUp(paramErr, type.empty() ? "its type is unknown, nothing here can show it"
                                       : "nothing here can show its type, " + type);
     }
-}
-
-// That may turn out at any time while they are being loaded.
-bool EmbeddedObject::LacksCodecs() const
-{
-    return IsMovieType(description_.type.mimeType) && !QuickTimePresent();
-}
-
-void EmbeddedObject::GiveUpMovie()
-{
-    GiveUp(noCodecErr, MeaningOf(noCodecErr));
 }
 
 void EmbeddedObject::Cancel()
@@ -356,10 +345,7 @@ OSErr EmbeddedObject::Error() const
 
 OSErr EmbeddedObject::NothingInIt() const
 {
-    if (IsImage()) {
-        return kVornErrImageNoData;
-    }
-    return QuickTimePresent() ? OSErr{noMovieFound} : OSErr{noCodecErr};
+    return IsImage() ? OSErr{kVornErrImageNoData} : OSErr{noMovieFound};
 }
 
 // A damaged image may have something to show; one that lies below the page cannot draw.

@@ -133,8 +133,6 @@ public:
 private:
     static void* DecodeOnThread(void* object);
     void Decode();
-    bool LacksCodecs() const;
-    void GiveUpMovie();
     OSErr Error() const;
     OSErr NothingInIt() const;
     bool IsShown() const;

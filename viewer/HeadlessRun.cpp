@@ -53,9 +53,6 @@ PageReport HeadlessRun::Run()
     const CGrafPtr port = work_.ThePage().Port();
     MakeTextWriter();
     work_.ThePage().DrawChanges();
-    if (options_.reportPath.empty()) { // which tells how few bytes a picture takes
-        TakeInBytes();
-    }
     while (true) {
         FinishInstant();
         while (work_.User().SendDue(clock_.Now())) {
@@ -77,27 +74,13 @@ PageReport HeadlessRun::Run()
     return report;
 }
 
-// Takes in what is there while the libraries for movies are being loaded. How long that lasts has
-// no say in what is done when.
-void HeadlessRun::TakeInBytes()
-{
-    HoldMovies(true);
-    DoRounds(kQuietRoundsAtRest);
-    HoldMovies(false);
-}
-
+// Rounds of work until nothing moves any more at this instant.
 void HeadlessRun::FinishInstant()
-{
-    DoRounds(kMostQuietRounds);
-}
-
-// Until nothing moves any more at this instant.
-void HeadlessRun::DoRounds(int mostQuietRounds)
 {
     int quietRounds = 0;
     PageWork::Mark before = work_.Look();
     while (quietRounds < kQuietRoundsAtRest ||
-           (PageWork::IsToolboxBusy() && quietRounds < mostQuietRounds)) {
+           (PageWork::IsToolboxBusy() && quietRounds < kMostQuietRounds)) {
         MakeTextWriter();
         work_.DoRound();
         const PageWork::Mark after = work_.Look();

@@ -32,8 +32,6 @@ public:
 private:
     void FinishInstant();
     void MakeTextWriter();
-    void TakeInBytes();
-    void DoRounds(int mostQuietRounds);
     bool WaitsForStream() const { return !work_.AwaitedStreams().empty(); }
 
     bool IsOver();

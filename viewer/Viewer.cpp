@@ -2,7 +2,6 @@
 #include "viewer/Viewer.h"
 
 #include "viewer/Console.h"
-#include "viewer/ExpectedMovies.h"
 #include "viewer/FileLimit.h"
 #include "viewer/FolderObjects.h"
 #include "viewer/HeadlessRun.h"
@@ -96,7 +95,6 @@ Outcome RunInWindow(const Options& options, const PluginFolder& plugins)
 
 Outcome RunHeadless(const Options& options, const PluginFolder& plugins)
 {
-    PrepareExpectedMovies(options, plugins);
     HeadlessRun run(options, plugins);
     PageReport report = run.Run();
     return {std::move(report), run.OutputFailed()};

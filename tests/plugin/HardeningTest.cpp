@@ -118,6 +118,13 @@ TEST_P(BuiltLibrary, NoticesAnOverwrittenStack)
     EXPECT_THAT(Show("--dyn-syms"), HasSubstr("__stack_chk_fail"));
 }
 
+// Another copy of the codecs in the process, such as a host's own, is neither used nor disturbed.
+TEST(Hardening, KeepsTheNamesOfCodecsToItself)
+{
+    EXPECT_THAT(OutputOf(VORN_NM " -D --defined-only '" VORN_TOOLBOX "'"),
+                AllOf(HasSubstr(" NewHandle\n"), Not(ContainsRegex(" (av|sws|swr|ff)[a-z]*_"))));
+}
+
 // Its checked calls are there where the compiler optimises.
 TEST(Hardening, ChecksTheLengthsOfBuffersThatTheCompilerKnows)
 {

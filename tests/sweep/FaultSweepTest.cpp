@@ -107,9 +107,6 @@ void WarmUp(const SweptScenario& swept)
     static std::set<std::string> warm;
     if (warm.insert(swept.name).second) {
         swept.make()->Run();
-        while (!MoviesArePrepared()) { // files are open for that
-            YieldToAnyThread();
-        }
     }
 }
 

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/toolbox/PlainDecode.h"
 
-#include "toolbox/quicktime/LibAVCalls.h"
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libswscale/swscale.h>
+}
 
 #include <algorithm>
 #include <cstring>
@@ -13,7 +17,7 @@ namespace
 
 constexpr int kBufferSize = 32768;
 
-// This program is linked to the libraries and asks nobody else for them.
+// This program is linked to the system's libraries, which know every format.
 struct Freeing {
     void operator()(AVFormatContext* it) const { avformat_close_input(&it); }
     void operator()(AVCodecContext* it) const { avcodec_free_context(&it); }

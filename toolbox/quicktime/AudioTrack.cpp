@@ -79,18 +79,18 @@ bool AudioTrack::PrepareResampler(const AVFrame& frame)
         channels_ = std::min(channels, kMostChannels);
     }
     AVChannelLayout wanted{};
-    LibAV().av_channel_layout_default(&wanted, channels_);
+    av_channel_layout_default(&wanted, channels_);
     SwrContext* made = nullptr;
-    if (LibAV().swr_alloc_set_opts2(&made, &wanted, AV_SAMPLE_FMT_S16, sampleRate_,
-                                    const_cast<AVChannelLayout*>(&frame.ch_layout), format,
-                                    frame.sample_rate, 0, nullptr) < 0) {
+    if (swr_alloc_set_opts2(&made, &wanted, AV_SAMPLE_FMT_S16, sampleRate_,
+                            const_cast<AVChannelLayout*>(&frame.ch_layout), format,
+                            frame.sample_rate, 0, nullptr) < 0) {
         return false;
     }
     resampler_.reset(made);
     inputFormat_ = format;
     inputRate_ = frame.sample_rate;
     inputChannels_ = channels;
-    return LibAV().swr_init(made) >= 0;
+    return swr_init(made) >= 0;
 }
 
 void AudioTrack::Append(const AVFrame& frame)
@@ -98,7 +98,7 @@ void AudioTrack::Append(const AVFrame& frame)
     if (frame.sample_rate <= 0 || !PrepareResampler(frame)) {
         return;
     }
-    const int room = LibAV().swr_get_out_samples(resampler_.get(), frame.nb_samples);
+    const int room = swr_get_out_samples(resampler_.get(), frame.nb_samples);
     const auto channels = static_cast<size_t>(channels_);
     const size_t gone = consumed_ - std::min(consumed_, kept_);
     samples_.erase(samples_.begin(), samples_.begin() + static_cast<ptrdiff_t>(gone));
@@ -106,9 +106,8 @@ void AudioTrack::Append(const AVFrame& frame)
     const size_t before = samples_.size();
     samples_.resize(before + static_cast<size_t>(std::max(0, room)) * channels);
     auto* to = reinterpret_cast<UInt8*>(samples_.data() + before);
-    const int made =
-        LibAV().swr_convert(resampler_.get(), &to, room,
-                            const_cast<const UInt8**>(frame.extended_data), frame.nb_samples);
+    const int made = swr_convert(resampler_.get(), &to, room,
+                                 const_cast<const UInt8**>(frame.extended_data), frame.nb_samples);
     samples_.resize(before + static_cast<size_t>(std::max(0, made)) * channels);
     if (start_ == kNoTime) {
         DropBeforeStart(frame);
@@ -132,7 +131,7 @@ void AudioTrack::DropBeforeStart(const AVFrame& frame)
         start_ = stamp;
         return;
     }
-    const SInt64 early = LibAV().av_rescale(notBefore_ - stamp, sampleRate_, kSecond);
+    const SInt64 early = av_rescale(notBefore_ - stamp, sampleRate_, kSecond);
     if (early >= FramesWaiting()) {
         samples_.clear();
         return;
@@ -147,7 +146,7 @@ const std::vector<SInt16>& AudioTrack::TakeUpTo(Nanoseconds time, int volume)
     if (start_ == kNoTime || time <= start_) {
         return out_;
     }
-    const SInt64 wanted = LibAV().av_rescale(time - start_, sampleRate_, kSecond) - taken_;
+    const SInt64 wanted = av_rescale(time - start_, sampleRate_, kSecond) - taken_;
     const SInt64 count = std::clamp<SInt64>(wanted, 0, FramesWaiting());
     const auto from = samples_.begin() + static_cast<ptrdiff_t>(consumed_);
     const size_t length = static_cast<size_t>(count) * static_cast<size_t>(channels_);
@@ -164,7 +163,7 @@ const std::vector<SInt16>& AudioTrack::TakeUpTo(Nanoseconds time, int volume)
 
 void AudioTrack::KeepTaken(Nanoseconds duration)
 {
-    kept_ = static_cast<size_t>(LibAV().av_rescale(duration, sampleRate_, kSecond)) *
+    kept_ = static_cast<size_t>(av_rescale(duration, sampleRate_, kSecond)) *
             static_cast<size_t>(channels_);
 }
 
@@ -173,8 +172,7 @@ SInt64 AudioTrack::GiveBack(Nanoseconds time)
     if (start_ == kNoTime) {
         return 0;
     }
-    const SInt64 before =
-        LibAV().av_rescale(std::max<Nanoseconds>(0, time - start_), sampleRate_, kSecond);
+    const SInt64 before = av_rescale(std::max<Nanoseconds>(0, time - start_), sampleRate_, kSecond);
     const SInt64 kept = static_cast<SInt64>(consumed_) / channels_;
     const SInt64 count = std::clamp<SInt64>(taken_ - before, 0, std::min(kept, taken_));
     consumed_ -= static_cast<size_t>(count) * static_cast<size_t>(channels_);
@@ -194,7 +192,7 @@ void AudioTrack::Flush(Nanoseconds start)
 
 Nanoseconds AudioTrack::FramesToTime(SInt64 frames) const
 {
-    return sampleRate_ > 0 ? LibAV().av_rescale(frames, kSecond, sampleRate_) : 0;
+    return sampleRate_ > 0 ? av_rescale(frames, kSecond, sampleRate_) : 0;
 }
 
 SInt64 AudioTrack::FramesWaiting() const

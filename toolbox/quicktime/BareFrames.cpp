@@ -33,9 +33,8 @@ bool BareFrames::ReadNext(AVPacket& packet, const Reader& read)
             continue;
         }
         const auto size = static_cast<SInt32>(header->size);
-        LibAV().av_packet_unref(&packet);
-        if (LibAV().av_new_packet(&packet, size) < 0 ||
-            !ReadAll(read, packet.data, offset_, size)) {
+        av_packet_unref(&packet);
+        if (av_new_packet(&packet, size) < 0 || !ReadAll(read, packet.data, offset_, size)) {
             return false;
         }
         packet.pos = offset_;

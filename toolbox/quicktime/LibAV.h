@@ -1,29 +1,32 @@
 // SPDX-License-Identifier: MIT
 //
-// The codec libraries: what is called of them, and owners for what they allocate.
+// The codec libraries' C headers, and owners for what they allocate.
 #pragma once
 
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/channel_layout.h>
+#include <libavutil/mathematics.h>
+#include <libavutil/pixdesc.h>
+#include <libswresample/swresample.h>
+#include <libswscale/swscale.h>
+}
+
 #include "toolbox/Types.h"
-#include "toolbox/quicktime/LibAVLoader.h"
 
 #include <memory>
 
 namespace toolbox
 {
 
-// Waits until they are loaded, once; where that has failed, nothing of theirs may be called.
-inline const LibAVCalls& LibAV()
-{
-    return LibAVLoader::Shared().Calls();
-}
-
 struct LibAVDeleter {
-    void operator()(AVFormatContext* it) const { LibAV().avformat_close_input(&it); }
-    void operator()(AVCodecContext* it) const { LibAV().avcodec_free_context(&it); }
-    void operator()(AVFrame* it) const { LibAV().av_frame_free(&it); }
-    void operator()(AVPacket* it) const { LibAV().av_packet_free(&it); }
-    void operator()(SwrContext* it) const { LibAV().swr_free(&it); }
-    void operator()(SwsContext* it) const { LibAV().sws_freeContext(it); }
+    void operator()(AVFormatContext* it) const { avformat_close_input(&it); }
+    void operator()(AVCodecContext* it) const { avcodec_free_context(&it); }
+    void operator()(AVFrame* it) const { av_frame_free(&it); }
+    void operator()(AVPacket* it) const { av_packet_free(&it); }
+    void operator()(SwrContext* it) const { swr_free(&it); }
+    void operator()(SwsContext* it) const { sws_freeContext(it); }
 };
 template <class T>
 using LibAVPtr = std::unique_ptr<T, LibAVDeleter>;

@@ -100,8 +100,6 @@ bool MovieRecord::IsEverythingThere() const
 void MovieRecord::OpenCompletely()
 {
     const BusyMark mark(isBusy_);
-    play_->Insist();
-    index_->Stream().Insist();
     OpenSome(INT32_MAX);
 }
 
@@ -122,7 +120,7 @@ void MovieRecord::OpenSome(int mostPackets)
         } else if (step == Step::kWaiting) {
             return;
         } else if (step != Step::kPacket) {
-            Fail(play_->LacksLibraries() ? noCodecErr : noMovieFound);
+            Fail(noMovieFound);
         }
     }
 }

@@ -183,12 +183,10 @@ bool MovieIndex::HasStamps() const
 void MovieIndex::NoteTrimmedSound(const AVPacket& packet, int sampleRate)
 {
     size_t size = 0;
-    const UInt8* const data =
-        LibAV().av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    const UInt8* const data = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
     if (data != nullptr && size >= kSkipSamplesSize && sampleRate > 0) {
-        const Nanoseconds padding =
-            LibAV().av_rescale(LittleEndian32(data + 4), kSecond, sampleRate);
-        trimmed_ += LibAV().av_rescale(LittleEndian32(data), kSecond, sampleRate) + padding;
+        const Nanoseconds padding = av_rescale(LittleEndian32(data + 4), kSecond, sampleRate);
+        trimmed_ += av_rescale(LittleEndian32(data), kSecond, sampleRate) + padding;
         padding_ += padding;
     }
 }
@@ -214,7 +212,7 @@ Nanoseconds MovieIndex::AnnouncedLength(SInt32 fileSize) const
     if (End() == kNoTime || fileSize <= taken || taken <= 0) {
         return kNoTime;
     }
-    return LibAV().av_rescale(End() - Start(), fileSize, taken);
+    return av_rescale(End() - Start(), fileSize, taken);
 }
 
 KeySample MovieIndex::FindKey(Nanoseconds time) const

@@ -25,7 +25,7 @@ public:
     // True when there is nothing more to go through.
     bool IsComplete() const { return isComplete_; }
     // True if TakeIn would get on.
-    bool HasWork() const { return !isComplete_ && (!isWaiting_ || stream_.CanGoOn()); }
+    bool HasWork() const { return !isComplete_ && (!isWaiting_ || stream_.Bytes().HasArrived()); }
     // The time at which the movie begins and the end of what was gone through, kNoTime before
     // there is anything.
     Nanoseconds Start() const { return timeline_.First(); }

@@ -193,7 +193,7 @@ SInt64 MovieRecord::NextDeadline() const
         return -1;
     }
     const SInt64 now = ToolboxMicroseconds();
-    const bool canRead = !dataEnded_ && (!outOfBytes_ || play_->CanGoOn());
+    const bool canRead = !dataEnded_ && (!outOfBytes_ || play_->Bytes().HasArrived());
     if (canRead && (!isPlayable_ || isHeldUp_)) {
         return now;
     }

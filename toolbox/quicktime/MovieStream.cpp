@@ -43,8 +43,8 @@ const char* DemuxerName(StreamKind kind)
 void FreeInput(AVIOContext* input)
 {
     if (input != nullptr) {
-        LibAV().av_freep(&input->buffer);
-        LibAV().avio_context_free(&input);
+        av_freep(&input->buffer);
+        avio_context_free(&input);
     }
 }
 
@@ -52,8 +52,11 @@ void FreeInput(AVIOContext* input)
 
 MovieStream::MovieStream(DataHandlerClient& handler, Sniffed start, std::vector<UInt8> prologue)
     : handler_(handler), bytes_(handler), start_(start), prologue_(std::move(prologue)),
-      fiber_([this] { Run(); }, kFiberStackSize)
+      packet_(av_packet_alloc()), fiber_([this] { Run(); }, kFiberStackSize)
 {
+    if (!packet_) {
+        throw std::bad_alloc();
+    }
 }
 
 MovieStream::~MovieStream()
@@ -82,8 +85,8 @@ Nanoseconds MovieStream::AnnouncedDuration() const
     for (unsigned i = 0; format_ && i < format_->nb_streams; ++i) {
         const AVStream& stream = *format_->streams[i];
         if (stream.duration != AV_NOPTS_VALUE && stream.duration > 0) {
-            longest = std::max(
-                longest, LibAV().av_rescale_q(stream.duration, stream.time_base, kNanosecondBase));
+            longest =
+                std::max(longest, av_rescale_q(stream.duration, stream.time_base, kNanosecondBase));
         }
     }
     return longest;
@@ -92,46 +95,21 @@ Nanoseconds MovieStream::AnnouncedDuration() const
 void MovieStream::Run()
 {
     const bool isKnown = start_.kind != StreamKind::kUnknown || FindStart();
-    const bool canBeRead = isKnown && AwaitLibraries() && MakePacket();
-    bool hasPackets = canBeRead && OpenFormat();
+    bool hasPackets = isKnown && OpenFormat();
     if (hasPackets) {
         ReadPackets();
-    } else if (canBeRead && start_.kind == StreamKind::kAudio) {
+    } else if (isKnown && start_.kind == StreamKind::kAudio) {
         hasPackets = ReadBareFrames();
     }
     step_ = hasPackets ? Step::kEnded : Step::kFailed;
-}
-
-// While movies are held, the time goes back to whoever lent it.
-bool MovieStream::AwaitLibraries()
-{
-    LibAVLoader& loader = LibAVLoader::Shared();
-    loader.Begin();
-    while (mayBeHeld_ && AreMoviesHeld() && !bytes_.IsStopped()) {
-        isHeld_ = true;
-        fiber_.Suspend();
-    }
-    isHeld_ = false;
-    if (bytes_.IsStopped()) {
-        return false;
-    }
-    lacksLibraries_ = !loader.Await();
-    return !lacksLibraries_;
-}
-
-bool MovieStream::MakePacket()
-{
-    packet_.reset(LibAV().av_packet_alloc());
-    return packet_ != nullptr;
 }
 
 // Sound of so few frames that its demultiplexer does not believe in it is found by their headers
 // alone.
 bool MovieStream::ReadBareFrames()
 {
-    format_.reset(LibAV().avformat_alloc_context());
-    AVStream* const stream =
-        format_ ? LibAV().avformat_new_stream(format_.get(), nullptr) : nullptr;
+    format_.reset(avformat_alloc_context());
+    AVStream* const stream = format_ ? avformat_new_stream(format_.get(), nullptr) : nullptr;
     if (stream == nullptr) {
         return false;
     }
@@ -213,19 +191,19 @@ bool MovieStream::OpenFormat()
 {
     offset_ = start_.start;
     prologueSize_ = prologue_.size();
-    format_.reset(LibAV().avformat_alloc_context());
-    auto* const buffer = static_cast<UInt8*>(LibAV().av_malloc(kReadBufferSize));
+    format_.reset(avformat_alloc_context());
+    auto* const buffer = static_cast<UInt8*>(av_malloc(kReadBufferSize));
     if (!format_ || buffer == nullptr) {
-        LibAV().av_free(buffer);
+        av_free(buffer);
         return false;
     }
-    format_->pb = LibAV().avio_alloc_context(buffer, kReadBufferSize, 0, this, ReadCallback,
-                                             nullptr, SizeCallback);
+    format_->pb =
+        avio_alloc_context(buffer, kReadBufferSize, 0, this, ReadCallback, nullptr, SizeCallback);
     format_->pb->seekable = 0;
     AVIOContext* input = format_->pb;
     AVFormatContext* opening = format_.release();
-    const int err = LibAV().avformat_open_input(
-        &opening, nullptr, LibAV().av_find_input_format(DemuxerName(start_.kind)), nullptr);
+    const int err = avformat_open_input(&opening, nullptr,
+                                        av_find_input_format(DemuxerName(start_.kind)), nullptr);
     format_.reset(opening);
     if (err < 0) {
         FreeInput(input);
@@ -237,11 +215,11 @@ bool MovieStream::OpenFormat()
 void MovieStream::ReadPackets()
 {
     const auto inFront = static_cast<SInt64>(prologueSize_);
-    while (LibAV().av_read_frame(format_.get(), packet_.get()) >= 0) {
+    while (av_read_frame(format_.get(), packet_.get()) >= 0) {
         packet_->pos -= packet_->pos >= inFront ? inFront : 0;
         step_ = Step::kPacket;
         fiber_.Suspend();
-        LibAV().av_packet_unref(packet_.get());
+        av_packet_unref(packet_.get());
         if (bytes_.IsStopped()) {
             break;
         }

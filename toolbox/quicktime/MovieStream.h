@@ -7,7 +7,6 @@
 #include "toolbox/Errors.h"
 #include "toolbox/quicktime/LibAV.h"
 #include "toolbox/quicktime/MovieBytes.h"
-#include "toolbox/quicktime/MoviePreparation.h"
 #include "toolbox/quicktime/Sniffer.h"
 
 #include <exception>
@@ -48,20 +47,12 @@ public:
     const MovieBytes& Bytes() const { return bytes_; }
     // Takes back what was asked of the data handler, before this goes and the handler stays.
     void Abandon() { bytes_.Abandon(); }
-    // Waits for the codec libraries even while movies are held.
-    void Insist() { mayBeHeld_ = false; }
-    // True if a stream that waited may go on: its bytes have come, or nobody but the host holds it.
-    bool CanGoOn() const { return bytes_.HasArrived() || isHeld_; }
-    // It failed for want of the codec libraries.
-    bool LacksLibraries() const { return lacksLibraries_; }
     // Nothing is read any more; Advance ends the fiber.
     void Stop() { bytes_.Stop(); }
 
 private:
     void Run();
     bool FindStart();
-    bool AwaitLibraries();
-    bool MakePacket();
     SInt64 SkipTags();
     bool OpenFormat();
     void ReadPackets();
@@ -80,9 +71,6 @@ private:
     LibAVPtr<AVFormatContext> format_;
     LibAVPtr<AVPacket> packet_;
     Step step_ = Step::kWaiting;
-    bool mayBeHeld_ = true;
-    bool isHeld_ = false;
-    bool lacksLibraries_ = false;
     std::exception_ptr thrown_; // by a read under libavformat's frames
     Fiber fiber_;
 };

@@ -39,10 +39,8 @@ OSErr Note(OSErr err)
 // is cut off.
 TimeValue ToTimeValue(Nanoseconds time)
 {
-    if (time <= 0) {
-        return 0; // also while the codecs are being loaded
-    }
-    const SInt64 units = LibAV().av_rescale_rnd(time, kMovieTimeScale, kSecond, AV_ROUND_UP);
+    const SInt64 units =
+        av_rescale_rnd(std::max<SInt64>(0, time), kMovieTimeScale, kSecond, AV_ROUND_UP);
     return static_cast<TimeValue>(std::min<SInt64>(units, INT32_MAX));
 }
 
@@ -90,7 +88,8 @@ const ToolboxSoundSink& SoundSink()
 
 Boolean QuickTimePresent(void)
 {
-    return Announce("QuickTimePresent") == noErr && LibAVLoader::Shared().ArePresent();
+    return Announce("QuickTimePresent") == noErr &&
+           avcodec_find_decoder(AV_CODEC_ID_MPEG1VIDEO) != nullptr;
 }
 
 OSErr EnterMovies(void)
@@ -98,7 +97,7 @@ OSErr EnterMovies(void)
     if (const OSErr err = Announce("EnterMovies")) {
         return Note(err);
     }
-    LibAVLoader::Shared().Begin();
+    av_log_set_level(AV_LOG_QUIET); // what is wrong with the data is told by codes, not by lines
     return Note(noErr);
 }
 

@@ -4,8 +4,7 @@
  *
  * A movie's data is reached only through a data handler component, also while it is still
  * arriving. Every slice of work (MoviesTask, GetMovieLoadState, a controller action) is bounded
- * and waits for nothing but, once in a process, the codecs (see HoldMovies); only MoviesTask may
- * yield, as its last step, in the data handler's Task.
+ * and waits for nothing; only MoviesTask may yield, as its last step, in the data handler's Task.
  * Times are in units of 1/90000 second.
  */
 #ifndef VORN_TOOLBOX_MOVIES_H
@@ -40,10 +39,8 @@ enum {
 };
 
 /* True when movies can be played in this process at all: the entry points below are backed by
- * codecs, as far as that shows before they are loaded. The question that a weak link answers
- * elsewhere. */
+ * codecs. The question that a weak link answers elsewhere. */
 TOOLBOX_EXPORT Boolean QuickTimePresent(void);
-/* Begins to load the codecs, beside the caller's work. */
 TOOLBOX_EXPORT OSErr EnterMovies(void);
 
 /* Opens a movie from a data reference through the data handler component whose subtype is
@@ -65,8 +62,7 @@ TOOLBOX_EXPORT OSErr GetMoviesError(void);
  * nothing is known. */
 TOOLBOX_EXPORT void GetMovieBox(Movie movie, Rect* box);
 TOOLBOX_EXPORT SInt32 GetMovieLoadState(Movie movie);
-/* 0, or why the movie is in error: noMovieFound, or noCodecErr where the codecs could not be loaded
- * after all. `track`, if not null, is set to null. */
+/* 0, or why the movie is in error. `track`, if not null, is set to null. */
 TOOLBOX_EXPORT OSErr GetMovieStatus(Movie movie, void** track);
 /* The length known or announced so far. */
 TOOLBOX_EXPORT TimeValue GetMovieDuration(Movie movie);
@@ -98,18 +94,6 @@ TOOLBOX_EXPORT SInt32 MCMovieChanged(MovieController controller, Movie movie);
 TOOLBOX_EXPORT SInt32 MCIsPlayerEvent(MovieController controller, const EventRecord* event);
 
 /* For hosts ------------------------------------------------------------------------------- */
-
-/* Movies are going to be played: what EnterMovies begins is begun now, so that less is left of it
- * when the first one is opened. Not before the last library of the caller's own is loaded: the
- * system loads one at a time. */
-TOOLBOX_EXPORT void PrepareMovies(void);
-/* True unless the codecs are being loaded. */
-TOOLBOX_EXPORT Boolean MoviesArePrepared(void);
-/* The first slice that needs the codecs waits for them, in real time, unless movies are held: then
- * a movie that is opened asynchronously stays in its load state, needs time, and
- * goes on when they are held no longer. For hosts that have something else to do
- * meanwhile. */
-TOOLBOX_EXPORT void HoldMovies(Boolean held);
 
 /* Where sound goes. Frames are 16-bit native-endian samples, channels interleaved. */
 typedef struct ToolboxSoundSink {

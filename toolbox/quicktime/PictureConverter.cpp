@@ -106,18 +106,17 @@ bool PictureConverter::Prepare(const AVFrame& picture, const Rect& place)
     }
     geometry_ = wanted;
     const bool isScaled = IsScaled();
-    scaler_.reset(LibAV().sws_getContext(
-        wanted.width, wanted.height, static_cast<AVPixelFormat>(wanted.format), wanted.toWidth,
-        wanted.toHeight, AV_PIX_FMT_BGRA, isScaled ? SWS_BILINEAR : SWS_BICUBIC, nullptr, nullptr,
-        nullptr));
+    scaler_.reset(sws_getContext(wanted.width, wanted.height,
+                                 static_cast<AVPixelFormat>(wanted.format), wanted.toWidth,
+                                 wanted.toHeight, AV_PIX_FMT_BGRA,
+                                 isScaled ? SWS_BILINEAR : SWS_BICUBIC, nullptr, nullptr, nullptr));
     if (!scaler_) {
         return false;
     }
-    const int* const matrix = LibAV().sws_getCoefficients(
+    const int* const matrix = sws_getCoefficients(
         wanted.colorspace == AVCOL_SPC_UNSPECIFIED ? SWS_CS_DEFAULT : wanted.colorspace);
-    LibAV().sws_setColorspaceDetails(scaler_.get(), matrix,
-                                     wanted.range == AVCOL_RANGE_JPEG ? 1 : 0, matrix, 1, 0,
-                                     1 << 16, 1 << 16);
+    sws_setColorspaceDetails(scaler_.get(), matrix, wanted.range == AVCOL_RANGE_JPEG ? 1 : 0,
+                             matrix, 1, 0, 1 << 16, 1 << 16);
     return true;
 }
 
@@ -128,7 +127,7 @@ void PictureConverter::Convert(const AVFrame& picture, UInt8* pixels, SInt32 row
     // libswscale's scalers leave rows out, or worse, where a picture comes to them in bands.
     const int bandRows = IsScaled() ? geometry_.height : kBandRows;
     const int shift =
-        LibAV().av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format))->log2_chroma_h;
+        av_pix_fmt_desc_get(static_cast<AVPixelFormat>(picture.format))->log2_chroma_h;
     int done = 0;
     for (int row = 0; row < geometry_.height; row += bandRows) {
         const UInt8* source[4] = {picture.data[0] + ptrdiff_t{row} * picture.linesize[0]};
@@ -136,8 +135,8 @@ void PictureConverter::Convert(const AVFrame& picture, UInt8* pixels, SInt32 row
             source[plane] = picture.data[plane] + ptrdiff_t{row >> shift} * picture.linesize[plane];
         }
         const int made =
-            LibAV().sws_scale(scaler_.get(), source, picture.linesize, row,
-                              std::min(bandRows, geometry_.height - row), destination, strides);
+            sws_scale(scaler_.get(), source, picture.linesize, row,
+                      std::min(bandRows, geometry_.height - row), destination, strides);
         for (const int end = done + std::max(0, made); done < end; ++done) {
             PutBytesInOrder(pixels + ptrdiff_t{done} * rowBytes, geometry_.toWidth);
         }

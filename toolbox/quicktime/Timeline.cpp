@@ -22,7 +22,7 @@ bool IsJump(Nanoseconds stamp, Nanoseconds expected)
 
 SInt64 ToNanoseconds(SInt64 stamp, AVRational timeBase)
 {
-    return stamp == AV_NOPTS_VALUE ? stamp : LibAV().av_rescale_q(stamp, timeBase, kNanosecondBase);
+    return stamp == AV_NOPTS_VALUE ? stamp : av_rescale_q(stamp, timeBase, kNanosecondBase);
 }
 
 // libavformat does not know how long the first frames of sound last; their headers tell.
@@ -33,11 +33,11 @@ Nanoseconds DurationOf(const AVPacket& packet, const AVStream& stream)
         codec == AV_CODEC_ID_MP1 || codec == AV_CODEC_ID_MP2 || codec == AV_CODEC_ID_MP3;
     if (isMpegAudio && packet.size >= static_cast<int>(kMpegAudioHeaderSize)) {
         if (const auto header = ParseMpegAudioHeader(packet.data)) {
-            return LibAV().av_rescale(header->samples, kSecond, header->sampleRate);
+            return av_rescale(header->samples, kSecond, header->sampleRate);
         }
     }
-    return std::max<Nanoseconds>(
-        0, LibAV().av_rescale_q(packet.duration, stream.time_base, kNanosecondBase));
+    return std::max<Nanoseconds>(0,
+                                 av_rescale_q(packet.duration, stream.time_base, kNanosecondBase));
 }
 
 SInt64 Shifted(SInt64 stamp, Nanoseconds by)

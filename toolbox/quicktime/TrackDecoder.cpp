@@ -10,7 +10,7 @@ namespace toolbox
 
 LibAVPtr<AVFrame> NewFrame()
 {
-    LibAVPtr<AVFrame> frame(LibAV().av_frame_alloc());
+    LibAVPtr<AVFrame> frame(av_frame_alloc());
     if (!frame) {
         throw std::bad_alloc();
     }
@@ -19,18 +19,18 @@ LibAVPtr<AVFrame> NewFrame()
 
 LibAVPtr<AVCodecContext> TrackDecoder::Open(AVCodecID codec, const AVCodecParameters& parameters)
 {
-    const AVCodec* const found = LibAV().avcodec_find_decoder(codec);
+    const AVCodec* const found = avcodec_find_decoder(codec);
     if (found == nullptr) {
         return nullptr;
     }
-    LibAVPtr<AVCodecContext> decoder(LibAV().avcodec_alloc_context3(found));
-    if (!decoder || LibAV().avcodec_parameters_to_context(decoder.get(), &parameters) < 0) {
+    LibAVPtr<AVCodecContext> decoder(avcodec_alloc_context3(found));
+    if (!decoder || avcodec_parameters_to_context(decoder.get(), &parameters) < 0) {
         return nullptr;
     }
     decoder->codec_id = codec;
     decoder->thread_count = 1;
     decoder->pkt_timebase = kNanosecondBase;
-    if (LibAV().avcodec_open2(decoder.get(), found, nullptr) < 0) {
+    if (avcodec_open2(decoder.get(), found, nullptr) < 0) {
         return nullptr;
     }
     return decoder;
@@ -38,7 +38,7 @@ LibAVPtr<AVCodecContext> TrackDecoder::Open(AVCodecID codec, const AVCodecParame
 
 void TrackDecoder::Add(AVPacket& packet)
 {
-    LibAVPtr<AVPacket> own(LibAV().av_packet_alloc());
+    LibAVPtr<AVPacket> own(av_packet_alloc());
     if (!own) {
         throw std::bad_alloc();
     }
@@ -46,14 +46,14 @@ void TrackDecoder::Add(AVPacket& packet)
     if (start != AV_NOPTS_VALUE) {
         endOfPackets_ = std::max(endOfPackets_, start + packet.duration);
     }
-    LibAV().av_packet_move_ref(own.get(), &packet);
+    av_packet_move_ref(own.get(), &packet);
     packets_.push_back(std::move(own));
 }
 
 TrackDecoder::Step TrackDecoder::Decode(AVFrame& frame)
 {
     for (;;) {
-        const int err = LibAV().avcodec_receive_frame(decoder_.get(), &frame);
+        const int err = avcodec_receive_frame(decoder_.get(), &frame);
         if (err >= 0) {
             return Step::kFrame;
         }
@@ -74,20 +74,20 @@ bool TrackDecoder::Feed()
         if (!dataEnded_) {
             return false;
         }
-        LibAV().avcodec_send_packet(decoder_.get(), nullptr);
+        avcodec_send_packet(decoder_.get(), nullptr);
         isDraining_ = true;
         return true;
     }
     const LibAVPtr<AVPacket> packet = std::move(packets_.front());
     packets_.pop_front();
-    LibAV().avcodec_send_packet(decoder_.get(), packet.get());
+    avcodec_send_packet(decoder_.get(), packet.get());
     return true;
 }
 
 void TrackDecoder::Flush()
 {
     packets_.clear();
-    LibAV().avcodec_flush_buffers(decoder_.get());
+    avcodec_flush_buffers(decoder_.get());
     dataEnded_ = isDraining_ = isEnded_ = false;
     endOfPackets_ = kNoTime;
 }

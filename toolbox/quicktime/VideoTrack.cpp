@@ -45,7 +45,7 @@ void Prepend(const std::vector<UInt8>& bytes, AVPacket& packet)
 {
     const auto count = static_cast<int>(bytes.size());
     const int before = packet.size;
-    if (LibAV().av_grow_packet(&packet, count) < 0) {
+    if (av_grow_packet(&packet, count) < 0) {
         throw std::bad_alloc();
     }
     std::memmove(packet.data + count, packet.data, static_cast<size_t>(before));
@@ -64,18 +64,18 @@ size_t BytesOf(const AVFrame& frame)
 LibAVPtr<AVFrame> DecodeAlone(const AVCodecContext& like, const AVPacket& packet)
 {
     LibAVPtr<AVFrame> frame;
-    AVCodecParameters* parameters = LibAV().avcodec_parameters_alloc();
-    if (parameters != nullptr && LibAV().avcodec_parameters_from_context(parameters, &like) >= 0) {
+    AVCodecParameters* parameters = avcodec_parameters_alloc();
+    if (parameters != nullptr && avcodec_parameters_from_context(parameters, &like) >= 0) {
         const LibAVPtr<AVCodecContext> decoder = TrackDecoder::Open(like.codec_id, *parameters);
         frame = NewFrame();
-        const bool isDone = decoder && LibAV().avcodec_send_packet(decoder.get(), &packet) >= 0 &&
-                            LibAV().avcodec_send_packet(decoder.get(), nullptr) >= 0 &&
-                            LibAV().avcodec_receive_frame(decoder.get(), frame.get()) >= 0;
+        const bool isDone = decoder && avcodec_send_packet(decoder.get(), &packet) >= 0 &&
+                            avcodec_send_packet(decoder.get(), nullptr) >= 0 &&
+                            avcodec_receive_frame(decoder.get(), frame.get()) >= 0;
         if (!isDone) {
             frame.reset();
         }
     }
-    LibAV().avcodec_parameters_free(&parameters);
+    avcodec_parameters_free(&parameters);
     return frame;
 }
 
@@ -103,7 +103,7 @@ void VideoTrack::Add(AVPacket& packet)
     }
     const bool isKey = (packet.flags & AV_PKT_FLAG_KEY) != 0;
     if (isKey && !current_.frame && !hasPictures_) {
-        firstKey_.reset(LibAV().av_packet_clone(&packet));
+        firstKey_.reset(av_packet_clone(&packet));
     }
     decoder_.Add(packet);
 }
@@ -193,7 +193,7 @@ Nanoseconds VideoTrack::DurationOf(const AVFrame& frame) const
     const AVRational rate = decoder_.Context().framerate;
     if (rate.num > 0 && rate.den > 0) {
         const SInt64 fields = 2 + frame.repeat_pict;
-        return LibAV().av_rescale(kSecond * fields, rate.den, SInt64{rate.num} * 2);
+        return av_rescale(kSecond * fields, rate.den, SInt64{rate.num} * 2);
     }
     return frame.pkt_duration > 0 ? frame.pkt_duration : kUsualDuration;
 }

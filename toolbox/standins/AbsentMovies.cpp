@@ -126,15 +126,6 @@ SInt32 MCIsPlayerEvent(MovieController, const EventRecord*)
     return 0;
 }
 
-void PrepareMovies(void) {}
-
-Boolean MoviesArePrepared(void)
-{
-    return 1;
-}
-
-void HoldMovies(Boolean) {}
-
 void SetSoundSink(const ToolboxSoundSink*) {}
 
 void GetMovieStatistics(void*, MovieStatistics* statistics)

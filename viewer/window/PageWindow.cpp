@@ -62,6 +62,10 @@ PageWindow::PageWindow(const std::string& title, SInt16 width, SInt16 height)
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+    // With a display, SDL opens an input method, for which the X library reads the rules by which
+    // several keys make a character: a quarter of the time to the first picture, and nobody writes
+    // here.
+    setenv("XCOMPOSEFILE", "/dev/null", 1);
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         throw NoDisplay(SDL_GetError());
     }

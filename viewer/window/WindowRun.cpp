@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/window/WindowRun.h"
 
-#include "viewer/ExpectedMovies.h"
 #include "viewer/ObjectDrag.h"
 #include "viewer/PageClock.h"
 #include "viewer/StopRequest.h"
@@ -26,8 +25,6 @@ constexpr SInt64 kLongestWork = 8000;
 constexpr SInt64 kCaptionInterval = 100'000;
 // … and they can wait this long for something else to wake the loop.
 constexpr SInt64 kCaptionPatience = 100'000;
-// How soon it is seen that movies can be opened.
-constexpr SInt64 kLookWhilePreparing = 1000;
 // How long a wait inside a bundle may take, in milliseconds.
 constexpr int kShortWait = 5;
 // What was saved where.
@@ -52,15 +49,6 @@ std::string TitleOf(const Options& options)
     return name + (others == 0 ? "" : " and " + std::to_string(others) + " more") + " - vornview";
 }
 
-// The libraries for movies are loaded while the display is opened. Of that, only the first step
-// loads one, too; it would have to wait.
-PageWindow OpenWindow(const Options& options, const PluginFolder& plugins)
-{
-    SDL_InitSubSystem(0);
-    PrepareExpectedMovies(options, plugins);
-    return {TitleOf(options), options.width, options.height};
-}
-
 // Unless the user counts on the page's size, or on places on it.
 bool MayFitWindow(const Options& options)
 {
@@ -74,8 +62,8 @@ bool MayFitWindow(const Options& options)
 } // namespace
 
 WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
-    : options_(options), wakeEvent_(SDL_RegisterEvents(1)), watch_(std::in_place, wakeEvent_),
-      window_(OpenWindow(options, plugins)),
+    : options_(options), window_(TitleOf(options), options.width, options.height),
+      wakeEvent_(SDL_RegisterEvents(1)), watch_(wakeEvent_),
       sound_(options.wavPath.empty() ? std::make_unique<SoundDevice>() : nullptr),
       work_(options, plugins, *this), captions_(work_.ThePage()), paragraphs_(work_.ThePage()),
       input_(work_.ThePage(), window_), saver_(work_.ThePage(), options.picturesFolder),
@@ -85,7 +73,7 @@ WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
     page.SetStyle(StyleWithText(), Page::Height::kGrows);
     page.SetIdleRhythm(IdleRhythm::Kind::kSlackening);
     input_.FitPage();
-    gWatch = &*watch_;
+    gWatch = &watch_;
     SetStopAlarm(WakeWatch);
 }
 
@@ -93,8 +81,6 @@ WindowRun::~WindowRun()
 {
     SetStopAlarm(nullptr);
     gWatch = nullptr;
-    watch_.reset(); // it pushes events as long as there is a display
-    HoldMovies(false);
 }
 
 PageReport WindowRun::Run()
@@ -159,7 +145,7 @@ void WindowRun::DoRounds()
     const SInt64 end = clock_.Now() + kLongestWork;
     do {
         DoRound();
-    } while (GoesOnAtOnce() && clock_.Now() < end && !std::exchange(hasFirstPicture_, false));
+    } while (!IsAtRest() && clock_.Now() < end && !std::exchange(hasFirstPicture_, false));
     if (sound_ != nullptr) {
         sound_->Tend(clock_);
     }
@@ -167,7 +153,6 @@ void WindowRun::DoRounds()
 
 void WindowRun::DoRound()
 {
-    HoldMovies(!MoviesArePrepared());
     PageWork::Mark before = work_.Look();
     work_.DoRound();
     const PageWork::Mark after = work_.Look();
@@ -184,13 +169,6 @@ bool WindowRun::IsAtRest() const
         return quietRounds_ >= kMostQuietRounds;
     }
     return work_.IsLoaded() || quietRounds_ >= kQuietRoundsAtRest;
-}
-
-// While libraries for movies are being loaded, the machine is left to whoever does it: nothing else
-// is waited for as much.
-bool WindowRun::GoesOnAtOnce() const
-{
-    return !IsAtRest() && MoviesArePrepared();
 }
 
 void WindowRun::Show()
@@ -240,10 +218,10 @@ bool WindowRun::IsOver() const
 
 void WindowRun::Sleep()
 {
-    if (GoesOnAtOnce()) {
+    if (!IsAtRest()) {
         return;
     }
-    watch_->Watch(work_.AwaitedStreams());
+    watch_.Watch(work_.AwaitedStreams());
     const SInt64 next = NextInstant();
     if (next == INT64_MAX) {
         mayHaveEvents_ = SDL_WaitEvent(nullptr) != 0;
@@ -271,9 +249,6 @@ SInt64 WindowRun::NextInstant() const
     consider(const_cast<PageWork&>(work_).User().NextTime());
     consider(snapshots_.NextTime());
     consider(notice_.NextTime());
-    if (!MoviesArePrepared()) {
-        consider(now + kLookWhilePreparing);
-    }
     if (captionsAreStale_) {
         consider(captionsDue_ + kCaptionPatience);
     }

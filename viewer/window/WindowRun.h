@@ -40,7 +40,6 @@ private:
     void DoRounds();
     void DoRound();
     bool IsAtRest() const;
-    bool GoesOnAtOnce() const;
     void Show();
     void FitWindow();
     bool IsOver() const;
@@ -50,10 +49,9 @@ private:
 
     const Options& options_;
     WindowClock clock_;
-    UInt32 wakeEvent_;
-    // Its thread begins before libraries are loaded beside this one: the system would let it wait.
-    std::optional<StreamWatch> watch_;
     PageWindow window_;
+    UInt32 wakeEvent_;
+    StreamWatch watch_;
     std::unique_ptr<SoundDevice> sound_; // none if the page's sound goes to a file
     PageWork work_;
     Captions captions_;
