@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// scripts/setup and scripts/build, with programs that only write down how they were called.
+// scripts/setup, scripts/codecs and scripts/build, with programs that only write down how they were
+// called.
 #include "tests/viewer/TestFiles.h"
 
 #include <gmock/gmock.h>
@@ -22,7 +23,7 @@ protected:
     {
         fs::create_directories(top.Path("scripts"));
         fs::create_directories(top.Path("programs"));
-        for (const char* script : {"setup", "build"}) {
+        for (const char* script : {"setup", "codecs", "build"}) {
             fs::copy_file(std::string(SCRIPTS) + "/" + script, top.Path("scripts/") + script);
         }
         WriteProgram("cmake", "echo cmake version 3.25.1");
@@ -88,13 +89,82 @@ TEST_F(BareMachine, AnotherMachineTakesItsCompilerToo)
     EXPECT_THAT(called, HasSubstr(" g++-powerpc-linux-gnu "));
 }
 
+class CodecsScript : public SetUpScripts
+{
+protected:
+    CodecsScript()
+    {
+        WriteProgram("dpkg-query", "echo 5.1");
+        WriteProgram("apt-get", "echo \"$*\" >> " + top.Path("called") +
+                                    "\ncase \"$*\" in *source*) mkdir ffmpeg-5.1 && "
+                                    "ln -s ../../../../programs/configure ffmpeg-5.1 ;; esac");
+        WriteProgram("configure", "echo configure \"$*\" >> " + top.Path("called"));
+        WriteProgram("make", "echo make \"$*\" >> " + top.Path("called"));
+    }
+    bool HasBuilt() const { return fs::exists(top.Path("build/codecs/built")); }
+    // What it does when it runs once more.
+    std::string CallsOfNextRun()
+    {
+        fs::remove(top.Path("called"));
+        EXPECT_EQ(Run("codecs"), 0);
+        return called;
+    }
+};
+
+TEST_F(CodecsScript, BuildsThemFromTheSourceOfThePackage)
+{
+    EXPECT_EQ(Run("codecs"), 0);
+    EXPECT_TRUE(HasBuilt());
+    EXPECT_EQ(told, "Building the codecs for movies (once, about a minute)\n");
+    EXPECT_THAT(called, HasSubstr("source --only-source ffmpeg\nconfigure --prefix=" +
+                                  top.Path("build/codecs ")));
+    EXPECT_THAT(called, HasSubstr("make install\n"));
+}
+
+TEST_F(CodecsScript, BuildsThemOnce)
+{
+    Run("codecs");
+    EXPECT_EQ(CallsOfNextRun(), "");
+    EXPECT_EQ(told, "");
+}
+
+TEST_F(CodecsScript, BuildsThemAnewWhereThePackageIsNewer)
+{
+    Run("codecs");
+    WriteProgram("dpkg-query", "echo 5.2");
+    EXPECT_THAT(CallsOfNextRun(), HasSubstr("make install\n"));
+}
+
+TEST_F(CodecsScript, TellsOnceThatTheSourceCannotBeHad)
+{
+    WriteProgram("apt-get", "exit 100");
+    EXPECT_EQ(Run("codecs"), 0);
+    EXPECT_FALSE(HasBuilt());
+    EXPECT_THAT(told, HasSubstr("The source of the codecs cannot be fetched. Movies are decoded "
+                                "with the system's libraries, which start more slowly.\n"));
+    CallsOfNextRun();
+    EXPECT_EQ(told, "");
+}
+
+TEST_F(CodecsScript, TellsWhyTheyCannotBeBuilt)
+{
+    WriteProgram("make", "echo the disk is full; exit 2");
+    EXPECT_EQ(Run("codecs"), 0);
+    EXPECT_FALSE(HasBuilt());
+    EXPECT_THAT(told, HasSubstr("the disk is full\nThe codecs cannot be built (all of it is in " +
+                                top.Path("build/codecs/work/log)")));
+}
+
 // A folder in which something was built.
 class BuildScript : public SetUpScripts
 {
 protected:
     BuildScript()
     {
-        WriteProgram("../scripts/setup", "echo setup \"$*\" >> " + top.Path("called"));
+        for (const std::string script : {"setup", "codecs"}) {
+            WriteProgram("../scripts/" + script,
+                         "echo " + script + " \"$*\" >> " + top.Path("called"));
+        }
         for (const char* preset : {"release", "dev"}) {
             fs::create_directories(top.Path("build/") + preset);
             top.Write(std::string("build/") + preset + "/build.ninja", "");
@@ -128,6 +198,12 @@ TEST_F(BuildScript, OnlyTestsTakeWhatTestsNeed)
     EXPECT_THAT(called, HasSubstr("setup --view\n"));
     Run("build dev");
     EXPECT_THAT(called, HasSubstr("setup \n"));
+}
+
+TEST_F(BuildScript, MoviesTakeTheirCodecs)
+{
+    Run("build release");
+    EXPECT_THAT(called, HasSubstr("setup --view\ncodecs \n"));
 }
 
 } // namespace
