@@ -282,6 +282,24 @@ TEST(MimeDocument, WithoutAHeaderOfItsOwnHasTheOneThatCameAlong)
     EXPECT_THAT(Describe(Read(parts, "multipart/mixed;\r\n boundary=xx")), shown);
 }
 
+TEST(MimeDocument, IsReadWithoutAComplaintOfTheLibraryThoughItsTypeComesAlong)
+{
+    testing::internal::CaptureStderr();
+    const std::string parts = Part(kGif, "GIF89a") + "--xx--\r\n";
+    Describe(Read(parts, "multipart/mixed; boundary=xx"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(MimeDocument, IsWholeBehindATypeThatCameAlongHoweverLongItIs)
+{
+    const std::string body(300'000, 'x');
+    const std::string boundary(60, 'b');
+    const MimeDocument document =
+        Read("--" + boundary + "\r\n" + kGif + "\r\n\r\n" + body + "\r\n--" + boundary + "--\r\n",
+             "multipart/mixed; x=" + std::string(9000, 'y') + "; boundary=" + boundary);
+    EXPECT_THAT(Describe(document), ElementsAre("<a.gif|image/gif|" + body + ">"));
+}
+
 TEST(MimeDocument, WithAHeaderOfItsOwnNeedsNoOther)
 {
     const std::string mail = kHeader + Multipart("mixed", {Part(kGif, "GIF89a")});
@@ -326,12 +344,14 @@ TEST(MimeDocument, APartIsWholeHoweverTheLinesAroundItEnd)
         for (const std::string after : {"\r\n", "\n"}) {
             const std::string edge = before + "--edge";
             const std::string part = after + "Content-Type: image/x\r\n\r\n";
-            const std::string text = kHeader + "Content-Type: multipart/mixed; boundary=edge\r\n" +
-                                     edge + part + "abc" + edge + part + "" + edge + part + "d\n" +
-                                     edge + "--" + after;
-            EXPECT_THAT(Describe(Read(text)),
-                        ElementsAre("<|image/x|abc>", "<|image/x|>", "<|image/x|d\n>"))
+            const std::string parts =
+                edge + part + "abc" + edge + part + "" + edge + part + "d\n" + edge + "--" + after;
+            const std::string type = "multipart/mixed; boundary=edge";
+            const auto shown = ElementsAre("<|image/x|abc>", "<|image/x|>", "<|image/x|d\n>");
+            EXPECT_THAT(Describe(Read(kHeader + "Content-Type: " + type + "\r\n" + parts)), shown)
                 << before.size() << " and " << after.size();
+            EXPECT_THAT(Describe(Read(parts, type)), shown)
+                << before.size() << " and " << after.size() << ", the type coming along";
         }
     }
 }

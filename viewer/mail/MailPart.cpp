@@ -4,6 +4,7 @@
 #include "viewer/DeclaredType.h"
 #include "viewer/ReadFully.h"
 #include "viewer/mail/GMimePointer.h"
+#include "viewer/mail/HeadedFile.h"
 #include "viewer/mail/MimeWalk.h"
 
 #include <algorithm>
@@ -34,28 +35,22 @@ std::string MissingHeader(const std::string& start, std::string contentType)
     return isMissing ? "Content-Type: " + contentType + "\r\n\r\n" : "";
 }
 
-// Without a copy of the document, behind a header that is kept in memory.
-GMimePointer<GMimeStream> Behind(const std::string& header, GMimePointer<GMimeStream> document)
+// From the file's beginning, wherever somebody else has read to in it.
+GMimePointer<GMimeStream> StreamOf(const FileDescriptor& file, const std::string& header)
 {
-    if (header.empty()) {
-        return document;
-    }
-    GMimePointer<GMimeStream> both(g_mime_stream_cat_new());
-    const GMimePointer<GMimeStream> first(
-        g_mime_stream_mem_new_with_buffer(header.data(), header.size()));
-    g_mime_stream_cat_add_source(GMIME_STREAM_CAT(both.get()), first.get());
-    g_mime_stream_cat_add_source(GMIME_STREAM_CAT(both.get()), document.get());
-    return both;
+    return header.empty()
+               ? GMimePointer<GMimeStream>(g_mime_stream_fs_new_with_bounds(dup(file.Get()), 0, -1))
+               : StreamOfHeadedFile(header, file.Get());
 }
 
 GMimePointer<GMimeMessage> Parse(FileDescriptor& file, const std::string& contentType)
 {
     const std::string start = StartOf(file);
     const bool isMailbox = start.starts_with(kMailboxLine);
-    // From the file's beginning, wherever somebody else has read to in it.
-    const GMimePointer<GMimeStream> stream =
-        Behind(MissingHeader(start, contentType),
-               GMimePointer<GMimeStream>(g_mime_stream_fs_new_with_bounds(dup(file.Get()), 0, -1)));
+    const GMimePointer<GMimeStream> stream = StreamOf(file, MissingHeader(start, contentType));
+    if (stream == nullptr) {
+        throw SourceFailure{tmfoErr, "too many files are open"};
+    }
     const GMimePointer<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
     // Parts stay where they are until they are wanted.
     g_mime_parser_set_persist_stream(parser.get(), TRUE);
