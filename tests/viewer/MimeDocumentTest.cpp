@@ -176,6 +176,30 @@ TEST(MimeDocument, NamesComeFromTheDispositionTheTypeOrTheLocation)
                                                 "<c.gif|image/gif|3>", "<|image/gif|4>"));
 }
 
+std::string NameOf(const std::string& fields)
+{
+    const MimeDocument document = Read(kHeader + fields + "\r\n\r\npixels\r\n");
+    return std::get<MimeMedium>(document.items.at(0)).fileName;
+}
+
+TEST(MimeDocument, EscapesAreTakenOutOfNamesInQuotesAndWithout)
+{
+    const std::string saved =
+        "Content-Type: image/gif\r\nContent-Disposition: attachment; filename=";
+    EXPECT_EQ(NameOf(saved + R"("say \"ah\" \(1\).gif")"), "say \"ah\" (1).gif");
+    EXPECT_EQ(NameOf(saved + R"(say\ \"ah\"\ \(1\).gif)"), "say \"ah\" (1).gif");
+    EXPECT_EQ(NameOf(R"(Content-Type: image/gif; name = x\,y.gif)"), "x,y.gif");
+}
+
+TEST(MimeDocument, ABackslashBetweenFoldersIsNoEscape)
+{
+    const std::string saved =
+        "Content-Type: image/gif\r\nContent-Disposition: attachment; filename=";
+    EXPECT_EQ(NameOf(saved + R"("C:\\new\\a.gif")"), "a.gif");
+    EXPECT_EQ(NameOf(saved + R"(C:\new\a.gif)"), "a.gif");
+    EXPECT_EQ(NameOf(saved + R"(..\/..\/a.gif)"), "a.gif");
+}
+
 TEST(MimeDocument, BytesOfNoTypeAreAnObjectIfTheyHaveAFilesName)
 {
     const MimeDocument document =

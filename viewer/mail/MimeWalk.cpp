@@ -10,6 +10,7 @@
 #include <array>
 #include <filesystem>
 #include <set>
+#include <string_view>
 
 namespace viewer
 {
@@ -63,10 +64,48 @@ std::string TypeOf(GMimeObject& object)
     return ReadDeclaredType(TextOrNothing(type.get()));
 }
 
+// Whether a header field has the value behind an equals sign as it is, so not in quotes.
+bool HasUnquoted(GMimePart& part, const char* field, const std::string& value)
+{
+    GMimeHeader* const header =
+        g_mime_header_list_get_header(g_mime_object_get_header_list(GMIME_OBJECT(&part)), field);
+    const std::string raw =
+        header == nullptr ? "" : TextOrNothing(g_mime_header_get_raw_value(header));
+    const size_t at = raw.find(value);
+    const size_t before = at == std::string::npos || at == 0 ? std::string::npos
+                                                             : raw.find_last_not_of(" \t", at - 1);
+    return before != std::string::npos && raw[before] == '=';
+}
+
+// A backslash before a character that could not stand there without it; before others it is one
+// between folders.
+std::string WithoutEscapes(const std::string& value)
+{
+    constexpr std::string_view kSpecial = "()<>@,;:\\\"/[]?= ";
+    std::string text;
+    for (size_t i = 0; i < value.size(); ++i) {
+        const bool isEscape = value[i] == '\\' && i + 1 < value.size() &&
+                              kSpecial.find(value[i + 1]) != std::string_view::npos;
+        i += isEscape ? 1 : 0;
+        text += value[i];
+    }
+    return text;
+}
+
+// GMime takes the escapes out of what stands in quotes only.
+std::string DeclaredFileNameOf(GMimePart& part)
+{
+    const std::string name = TextOrNothing(g_mime_part_get_filename(&part));
+    const bool isEscaped =
+        name.find('\\') != std::string::npos &&
+        (HasUnquoted(part, "Content-Disposition", name) || HasUnquoted(part, "Content-Type", name));
+    return isEscaped ? WithoutEscapes(name) : name;
+}
+
 // The name it is to be saved by, else the end of the place it came from.
 std::string FileNameOf(GMimePart& part)
 {
-    const std::string name = TextOrNothing(g_mime_part_get_filename(&part));
+    const std::string name = DeclaredFileNameOf(part);
     std::string location = TextOrNothing(g_mime_part_get_content_location(&part));
     location = location.substr(0, location.find_first_of("?#"));
     return LastOfPath(name.empty() ? location : name);
