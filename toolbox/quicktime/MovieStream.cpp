@@ -187,20 +187,32 @@ bool MovieStream::FindStart()
 }
 
 // Not seekable, so that no demultiplexer looks for tags at an end that is not there yet.
+// Null without memory.
+AVIOContext* MovieStream::MakeInput()
+{
+    auto* const buffer = static_cast<UInt8*>(av_malloc(kReadBufferSize));
+    AVIOContext* const input = buffer == nullptr
+                                   ? nullptr
+                                   : avio_alloc_context(buffer, kReadBufferSize, 0, this,
+                                                        ReadCallback, nullptr, SizeCallback);
+    if (input == nullptr) {
+        av_free(buffer);
+        return nullptr;
+    }
+    input->seekable = 0;
+    return input;
+}
+
 bool MovieStream::OpenFormat()
 {
     offset_ = start_.start;
     prologueSize_ = prologue_.size();
     format_.reset(avformat_alloc_context());
-    auto* const buffer = static_cast<UInt8*>(av_malloc(kReadBufferSize));
-    if (!format_ || buffer == nullptr) {
-        av_free(buffer);
+    AVIOContext* const input = format_ ? MakeInput() : nullptr;
+    if (input == nullptr) {
         return false;
     }
-    format_->pb =
-        avio_alloc_context(buffer, kReadBufferSize, 0, this, ReadCallback, nullptr, SizeCallback);
-    format_->pb->seekable = 0;
-    AVIOContext* input = format_->pb;
+    format_->pb = input;
     AVFormatContext* opening = format_.release();
     const int err = avformat_open_input(&opening, nullptr,
                                         av_find_input_format(DemuxerName(start_.kind)), nullptr);

@@ -54,6 +54,7 @@ private:
     void Run();
     bool FindStart();
     SInt64 SkipTags();
+    AVIOContext* MakeInput();
     bool OpenFormat();
     void ReadPackets();
     bool ReadBareFrames();

@@ -44,6 +44,27 @@ bool IsSeen(const char* driver)
            name == "KMSDRM";
 }
 
+bool IsX11()
+{
+    return std::string_view(SDL_GetCurrentVideoDriver()) == "x11";
+}
+
+// SDL takes it where it can, unless the user wants something else.
+bool IsX11Expected()
+{
+    const char* const wanted = SDL_getenv("SDL_VIDEODRIVER");
+    return SDL_getenv("DISPLAY") != nullptr &&
+           (wanted == nullptr || std::string_view(wanted) == "x11");
+}
+
+// With the display SDL opens an input method, for which the X library reads the rules by which
+// several keys make a character: a quarter of the time to the first picture, and nobody writes
+// here.
+void LeaveOutComposing()
+{
+    setenv("XCOMPOSEFILE", "/dev/null", 1);
+}
+
 Uint32* PixelOf(const SDL_Surface& surface, SInt32 x, SInt32 y)
 {
     return reinterpret_cast<Uint32*>(static_cast<UInt8*>(surface.pixels) +
@@ -55,23 +76,24 @@ Uint32* PixelOf(const SDL_Surface& surface, SInt32 x, SInt32 y)
 
 PageWindow::PageWindow(const std::string& title, SInt16 width, SInt16 height)
 {
-    // The window's pixels are ordinary memory shared with the display, not a texture.
-    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
     SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
     SDL_SetHint(SDL_HINT_VIDEO_MINIMIZE_ON_FOCUS_LOSS, "0");
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
-    // With a display, SDL opens an input method, for which the X library reads the rules by which
-    // several keys make a character: a quarter of the time to the first picture, and nobody writes
-    // here.
-    setenv("XCOMPOSEFILE", "/dev/null", 1);
+    if (IsX11Expected()) {
+        LeaveOutComposing();
+    }
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
         throw NoDisplay(SDL_GetError());
     }
     if (!IsSeen(SDL_GetCurrentVideoDriver())) {
         SDL_QuitSubSystem(SDL_INIT_VIDEO);
         throw NoDisplay("no display could be opened");
+    }
+    if (IsX11()) {
+        // The window's pixels are memory shared with the display there; others know only textures.
+        SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
     }
     SDL_StopTextInput();
     window_.reset(SDL_CreateWindow(title.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,

@@ -89,6 +89,12 @@ HiddenScreen::~HiddenScreen()
     waitpid(server_, nullptr, 0);
 }
 
+void HiddenScreen::Offer() const
+{
+    setenv("DISPLAY", name_.c_str(), 1);
+    unsetenv("WAYLAND_DISPLAY");
+}
+
 // A manager announces the desktops it keeps.
 bool HiddenScreen::StartManager() const
 {
@@ -122,12 +128,11 @@ RunningWindow::RunningWindow(const HiddenScreen& screen, const std::vector<std::
     command.insert(command.end(), arguments.begin(), arguments.end());
     program_ = fork();
     if (program_ == 0) {
-        setenv("DISPLAY", screen.Name().c_str(), 1);
+        screen.Offer();
         setenv("TMPDIR", folder_.Path("tmp").c_str(), 1);
         setenv("SDL_AUDIODRIVER", sound.c_str(), 1);
         setenv("SDL_DISKAUDIOFILE", "/nonexistent/sound", 1);
         unsetenv("SDL_VIDEODRIVER");
-        unsetenv("WAYLAND_DISPLAY");
         setenv("LSAN_OPTIONS", leaks.c_str(), 1);
         for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
             std::signal(number, SIG_DFL);

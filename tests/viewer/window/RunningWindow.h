@@ -22,7 +22,7 @@ public:
     // Whether the programs that this takes are there.
     static bool IsPossible();
     HiddenScreen();
-    ~HiddenScreen();
+    virtual ~HiddenScreen();
     HiddenScreen(const HiddenScreen&) = delete;
     HiddenScreen& operator=(const HiddenScreen&) = delete;
 
@@ -30,6 +30,8 @@ public:
     // Starts openbox, which ends with the server; true once it manages windows. Those that are
     // opened before that keep a place that it would not have given them.
     bool StartManager() const;
+    // Lets the calling process show its windows here, and nowhere else.
+    virtual void Offer() const;
 
 private:
     pid_t server_ = -1;
