@@ -161,18 +161,19 @@ bool MovieStream::FindStart()
 {
     const bool expectSound = SoundIsExpected(handler_.MIMEType(), handler_.FileName());
     const SInt64 base = SkipTags();
-    std::vector<UInt8> head(kLastLook);
+    std::vector<UInt8> head;
     size_t have = 0;
-    size_t look = kFirstLook;
     bool isAll = false;
-    while (!isAll && start_.kind == StreamKind::kUnknown && have < head.size()) {
+    while (!isAll && start_.kind == StreamKind::kUnknown && have < kLastLook) {
+        if (have == head.size()) {
+            head.resize(std::clamp(have * 2, kFirstLook, kLastLook));
+        }
         const SInt32 got = ReadSome(head.data() + have, base + static_cast<SInt64>(have),
-                                    static_cast<SInt32>(look - have));
+                                    static_cast<SInt32>(head.size() - have));
         isAll = got <= 0;
         have += isAll ? 0 : static_cast<size_t>(got);
-        if (isAll || have == look) {
+        if (isAll || have == head.size()) {
             start_ = Sniff(head.data(), have, expectSound, isAll);
-            look = std::min(look * 2, head.size());
         }
     }
     if (start_.kind == StreamKind::kProgramStream) {
