@@ -51,8 +51,7 @@ struct Request {
         const auto count =
             static_cast<SInt32>(std::clamp<SInt64>(SInt64{spooled} - offset, 0, std::max(size, 0)));
         const auto wanted = StreamHost::BytesAt(offset, count);
-        return std::equal(wanted.begin(), wanted.end(), bytes.begin(),
-                          [](UInt8 a, char b) { return a == static_cast<UInt8>(b); });
+        return wanted.empty() || std::memcmp(wanted.data(), bytes.data(), wanted.size()) == 0;
     }
 
     SInt32 offset;

@@ -51,13 +51,13 @@ public:
         SInt32 rowBytes = 0;
         const UInt8* const pixels = GetPortPixels(port_, &rowBytes);
         Picture picture = {width, height, {}};
+        picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
+        UInt32* next = picture.pixels.data();
         for (SInt32 row = 0; row < height; ++row) {
-            for (SInt32 column = 0; column < width; ++column) {
-                const UInt8* const pixel =
-                    pixels + ptrdiff_t{row} * rowBytes + ptrdiff_t{column} * 4;
-                picture.pixels.push_back(static_cast<UInt32>(pixel[1]) << 16 |
-                                         static_cast<UInt32>(pixel[2]) << 8 | pixel[3]);
-            }
+            const UInt8* pixel = pixels + ptrdiff_t{row} * rowBytes;
+            for (SInt32 column = 0; column < width; ++column, pixel += 4)
+                *next++ = static_cast<UInt32>(pixel[1]) << 16 | static_cast<UInt32>(pixel[2]) << 8 |
+                          pixel[3];
         }
         return picture;
     }
