@@ -6,6 +6,7 @@
 #include "decoders/common/Palette.h"
 #include "decoders/common/WideRows.h"
 
+#include <algorithm>
 #include <csetjmp>
 #include <iterator>
 #include <string_view>
@@ -64,29 +65,49 @@ void PngReader::SetUp()
 
 void PngReader::Decode()
 {
-    std::vector<UInt8> bytes(ArrivingBlock::kSize);
+    std::vector<UInt8> bytes;
     while (!isComplete_) {
-        const ArrivingBlock block(image_, bytes.data());
-        DecodeBlock({bytes.data(), block.count});
+        const size_t waiting = bytes.size();
+        bytes.resize(waiting + ArrivingBlock::kSize);
+        const ArrivingBlock block(image_, bytes.data() + waiting);
+        bytes.resize(waiting + block.count);
+        const size_t taken = DecodePieces(bytes, block.isLast);
+        bytes.erase(bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(taken));
         if (block.isLast && !isComplete_)
             throw OSErr{kDataNotAvailableErr};
     }
 }
 
-void PngReader::DecodeBlock(std::span<UInt8> bytes)
+// Tells how many of the bytes it has taken: all if they are the last.
+size_t PngReader::DecodePieces(std::span<UInt8> bytes, bool areLast)
 {
-    while (!bytes.empty() && !isComplete_) {
-        leftBehindHeader_ = 0;
-        const bool isFine = Process(bytes.data(), bytes.size());
-        if (isAtHeader_)
-            BeginFrame();
-        frame_.Rows().Tell();
-        if (!isFine)
-            throw failure_;
-        bytes = bytes.last(leftBehindHeader_);
+    size_t taken = 0;
+    bool isFine = true;
+    while (isFine && !isComplete_ && taken < bytes.size()) {
+        const auto rest = bytes.subspan(taken);
+        const size_t piece = pieces_.Next(rest);
+        if (piece > rest.size() && !areLast)
+            break;
+        isFine = DecodePiece(rest.first(std::min(piece, rest.size())), taken);
     }
+    frame_.Rows().Tell();
+    if (!isFine)
+        throw failure_;
     if (isComplete_)
         SetComment();
+    return taken;
+}
+
+bool PngReader::DecodePiece(std::span<UInt8> piece, size_t& taken)
+{
+    leftBehindHeader_ = 0;
+    const bool isFine = Process(piece.data(), piece.size());
+    if (isAtHeader_)
+        BeginFrame();
+    const size_t count = piece.size() - leftBehindHeader_;
+    pieces_.Take(count);
+    taken += count;
+    return isFine;
 }
 
 bool PngReader::Process(UInt8* bytes, size_t count)

@@ -3,6 +3,7 @@
 
 #include "decoders/common/FrameBudget.h"
 #include "decoders/common/StillFrame.h"
+#include "decoders/png/PngPieces.h"
 
 #include <png.h>
 
@@ -35,7 +36,8 @@ private:
     static void OnWarning(png_structp png, png_const_charp text);
 
     void SetUp();
-    void DecodeBlock(std::span<UInt8> bytes);
+    size_t DecodePieces(std::span<UInt8> bytes, bool areLast);
+    bool DecodePiece(std::span<UInt8> piece, size_t& taken);
     bool Process(UInt8* bytes, size_t count);
     void ChooseDepths();
     bool ChooseDepthsWithAlpha();
@@ -48,6 +50,7 @@ private:
     VornPlugin& image_;
     StillFrame frame_;
     const FrameBudget budget_;
+    PngPieces pieces_;
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
     UInt32 width_ = 0;

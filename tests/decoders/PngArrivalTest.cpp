@@ -100,6 +100,17 @@ TEST(PngArrival, AsksForNothingBehindTheEnd)
     EXPECT_LT(image.host.requests.back().offset, static_cast<SInt32>(file.size()));
 }
 
+TEST(PngArrival, EndsWithTheLastByteWhateverFollows)
+{
+    const Bytes file = WritePng(PngSpec());
+    Bytes withMore = file;
+    withMore.resize(file.size() + 100);
+    HostedImage image(Bundle(), withMore);
+    image.ArriveInPieces(1);
+    EXPECT_EQ(image.Decode(), 0);
+    EXPECT_EQ(image.host.requests.back().offset, static_cast<SInt32>(file.size()) - 1);
+}
+
 TEST(PngComment, IsTheBestOfTheTexts)
 {
     PngSpec spec;

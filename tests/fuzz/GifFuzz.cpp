@@ -44,8 +44,7 @@ std::string Animation(int disposal)
 extern "C" int LLVMFuzzerTestOneInput(const UInt8* bytes, size_t size)
 {
     if (size > kArrivalBytes)
-        FuzzImage("VornGIF", {bytes, kArrivalBytes}, {bytes + kArrivalBytes, bytes + size},
-                  Damage::kShowsTheSame);
+        FuzzImage("VornGIF", {bytes, kArrivalBytes}, {bytes + kArrivalBytes, bytes + size});
     return 0;
 }
 

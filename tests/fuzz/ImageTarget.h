@@ -10,10 +10,7 @@
 constexpr size_t kArrivalBytes = 4;
 FuzzInput WithArrival(const std::vector<UInt8>& file, const FuzzInput& arrival);
 
-// What a library makes of rows at and before damage may depend on how they arrived.
-enum class Damage { kShowsTheSame, kMayShowOtherRows };
-
 // Decodes and displays a file with the bundle of that name, in pieces and at once: both show the
 // same, and the host is told what it must be told.
 void FuzzImage(const std::string& bundle, std::span<const UInt8> arrival,
-               const std::vector<UInt8>& file, Damage damage);
+               const std::vector<UInt8>& file);

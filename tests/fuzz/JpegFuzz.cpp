@@ -7,8 +7,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const UInt8* bytes, size_t size)
 {
     if (size > kArrivalBytes)
-        FuzzImage("VornJPEG", {bytes, kArrivalBytes}, {bytes + kArrivalBytes, bytes + size},
-                  Damage::kShowsTheSame);
+        FuzzImage("VornJPEG", {bytes, kArrivalBytes}, {bytes + kArrivalBytes, bytes + size});
     return 0;
 }
 

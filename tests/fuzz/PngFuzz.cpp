@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const UInt8* bytes, size_t size)
     const bool isRepaired = (bytes[0] & 7) != 0;
     if (isRepaired)
         FixCheckSums(file);
-    FuzzImage("VornPNG", {bytes, kArrivalBytes}, file, Damage::kMayShowOtherRows);
+    FuzzImage("VornPNG", {bytes, kArrivalBytes}, file);
     return 0;
 }
 
