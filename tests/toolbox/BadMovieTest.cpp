@@ -6,8 +6,29 @@
 
 #include <random>
 
+using namespace std::string_literals;
+
 namespace
 {
+
+// A program stream of those pictures without a time stamp (ISO 11172-1 2.4.3) or a picture rate
+// (ISO 11172-2 2.4.3.2), so that nothing tells their times.
+std::string TimelessStreamOf(std::string pictures)
+{
+    constexpr size_t kRate = 7;
+    for (size_t at = 0; (at = pictures.find("\0\0\1\xB3"s, at)) != std::string::npos; at += kRate)
+        pictures[at + kRate] = static_cast<char>(pictures[at + kRate] & 0xF0);
+    constexpr size_t kMostInPacket = 2000;
+    std::string stream;
+    for (size_t at = 0; at < pictures.size(); at += kMostInPacket) {
+        const std::string contents = "\x0F" + pictures.substr(at, kMostInPacket);
+        stream += "\0\0\1\xBA\x21\0\1\0\1\x80\0\1\0\0\1\xE0"s;
+        stream += static_cast<char>(contents.size() >> 8);
+        stream += static_cast<char>(contents.size());
+        stream += contents;
+    }
+    return stream;
+}
 
 TEST(BadMovie, IsRefusedWhenOpenedSynchronously)
 {
@@ -56,6 +77,16 @@ TEST(BadMovie, MayNameColoursThatThereAreNot)
     page.ClickPlay();
     page.PlayToEnd();
     EXPECT_EQ(page.Statistics().picturesShown, ExpectedPictures("video.m2v"));
+}
+
+TEST(BadMovie, PlaysPicturesWithoutTimes)
+{
+    OpenedMovie page(TimelessStreamOf(Clip("video.m1v")));
+    page.OpenAll();
+    page.ClickPlay();
+    page.PlayToEnd();
+    EXPECT_FALSE(page.Statistics().playing);
+    EXPECT_EQ(page.Statistics().picturesShown, ExpectedPictures("video.m1v"));
 }
 
 TEST(BadMovie, SurvivesRandomDamage)

@@ -19,6 +19,7 @@ constexpr int kMostSmallSlices = 4; // where nobody draws it
 constexpr int kPacketsPerSlice = 256;
 // A systems stream that has shown no picture after this much has only sound.
 constexpr SInt64 kSoundAloneAfter = SInt64{256} * 1024;
+constexpr SInt64 kUnplacedAfter = SInt64{256} * 1024;
 constexpr SInt64 kMostAtOnce = SInt64{4} * 1024 * 1024;
 
 class BusyMark
@@ -185,7 +186,7 @@ bool MovieRecord::CanShowOrPlay(Step step)
 {
     const bool isLast = step != Step::kPacket && step != Step::kWaiting;
     if (video_) {
-        if (video_->ShowFirst()) {
+        if ((isLast || IsPlaced()) && video_->ShowFirst()) {
             return true;
         }
         if (isLast && video_->DecodeNext() == VideoTrack::Step::kFrame) {
@@ -199,6 +200,13 @@ bool MovieRecord::CanShowOrPlay(Step step)
            audio_->Start() != kNoTime;
 }
 
+// Whether the pictures have a place in time. Those at the start may have no stamps: they go with
+// the first stamp behind them, unless there is none for long.
+bool MovieRecord::IsPlaced() const
+{
+    return timeline_.First() != kNoTime || play_->BytesTaken() > kUnplacedAfter;
+}
+
 void MovieRecord::BecomePlayable()
 {
     isPlayable_ = true;
@@ -206,7 +214,13 @@ void MovieRecord::BecomePlayable()
     if (isSoundAlone) {
         video_.reset();
     }
-    beginning_ = isSoundAlone ? audio_->Start() : timeline_.First();
+    if (isSoundAlone) {
+        beginning_ = audio_->Start();
+    } else if (timeline_.First() != kNoTime) {
+        beginning_ = timeline_.First();
+    } else {
+        beginning_ = video_->Current()->start;
+    }
     time_ = beginning_;
     opened_ = play_->Start().start;
 }

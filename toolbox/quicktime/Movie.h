@@ -94,6 +94,7 @@ private:
     void Dispatch(AVPacket& packet, const AVStream& stream);
     void EndTracks();
     bool CanShowOrPlay(Step step);
+    bool IsPlaced() const;
     void BecomePlayable();
     void Fail(OSErr status);
 
