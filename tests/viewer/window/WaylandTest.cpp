@@ -54,6 +54,8 @@ public:
         unsetenv("DISPLAY");
         setenv("XDG_RUNTIME_DIR", folder_.Path("").c_str(), 1);
         setenv("WAYLAND_DISPLAY", kSocket, 1);
+        // The drivers that SDL loads there, and has unloaded at the end, keep memory.
+        setenv("ASAN_OPTIONS", "detect_leaks=0", 1);
     }
 
 private:
@@ -86,7 +88,7 @@ TEST(Wayland, AMoviePlaysInAWindow)
         [](const Screenshot& shot) { return (shot.At(46, 166) & 0xFF00FF) >= 0xE00000; }));
     window.Do("key q");
     const RunningWindow::Result result = window.WaitForEnd();
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_GT(result.report["objects"][0]["pictures_shown"], 1);
     EXPECT_THAT(window.LeftBehind(), testing::IsEmpty());
 }
