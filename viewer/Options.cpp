@@ -291,7 +291,7 @@ Shows a page of objects: files, folders, e-mails and web archives (.eml,
   --drag [N:]FILE.pict    drag object N, or the first that can be, out of it
   --drag-image FILE.png   with --drag: the image that follows the pointer
   --report FILE.json      what happened (plug-ins write to standard output)
-  --pictures DIR          where the window's key S saves (~/Pictures)
+  --pictures DIR          where the window's keys S, P save (~/Pictures)
   --plugins DIR           where the plug-in bundles are
   --version, -h, --help   the viewer's version; this text
 Exit status: 0 every object was shown, 1 one was not, 2 usage.
