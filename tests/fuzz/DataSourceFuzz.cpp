@@ -209,6 +209,7 @@ private:
         // It goes on for ever where the byte does not come.
         SourceModel trial = model_;
         const std::optional<Outcome> wanted = trial.SkipTo(target, advance);
+        model_.searchSteps = trial.searchSteps;
         if (!wanted)
             return;
         model_ = trial;

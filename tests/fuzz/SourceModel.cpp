@@ -134,9 +134,11 @@ Outcome SourceModel::ReadNumber(SInt32 width, bool advance)
 
 std::optional<Outcome> SourceModel::SkipTo(UInt8 target, bool advance)
 {
-    constexpr SInt32 kMostSteps = 2000;
+    constexpr SInt32 kMostSteps = 500;
+    const SInt32 most = std::min(kMostSteps, searchSteps);
     const SInt32 start = readOffset;
-    for (SInt32 steps = 1; steps <= kMostSteps; ++steps) {
+    for (SInt32 steps = 1; steps <= most; ++steps) {
+        --searchSteps;
         const SInt32 place = readOffset;
         const Outcome outcome = ReadBlock(1, true);
         if (outcome.isThrown)

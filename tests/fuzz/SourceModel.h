@@ -31,7 +31,7 @@ public:
     Outcome GetAddress(SInt32 offset, SInt32 length);
     Outcome ReadBlock(SInt32 count, bool advance);
     Outcome ReadNumber(SInt32 width, bool advance);
-    // None if it would go on for more than some thousand bytes.
+    // None if it would go on for more than some hundred bytes, or than searches may take in all.
     std::optional<Outcome> SkipTo(UInt8 target, bool advance);
     Outcome SkipToOffsetFromEnd(SInt32 n);
     void Skip(SInt32 n);
@@ -44,6 +44,7 @@ public:
     SInt32 cacheCapacity = 0;
     SInt32 cacheLength = 0;
     std::vector<StreamHost::Request> requests;
+    SInt32 searchSteps = 2000; // that are left
 
 private:
     Outcome Fill(SInt32 offset);
