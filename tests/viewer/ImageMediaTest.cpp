@@ -18,8 +18,11 @@ TEST_P(ImageMedia, LooksTheSameHoweverItArrives)
         GTEST_SKIP() << "VORN_TEST_MEDIA names no folder of media";
     }
     RunningViewer viewer;
-    const ViewerResult atOnce = viewer.Run({GetParam()});
-    const ViewerResult slow = viewer.Run({"--arrive", "100000", GetParam()});
+    const std::vector<std::string> onPageThatHoldsIt = {"--size", "800x1000", GetParam()};
+    const ViewerResult atOnce = viewer.Run(onPageThatHoldsIt);
+    std::vector<std::string> arriving = onPageThatHoldsIt;
+    arriving.insert(arriving.begin(), {"--arrive", "100000"});
+    const ViewerResult slow = viewer.Run(arriving);
     ASSERT_TRUE(atOnce.report.is_object());
     ASSERT_TRUE(slow.report.is_object());
     // A row of pixels may shrink to nothing on the page.

@@ -10,7 +10,9 @@ namespace
 {
 
 constexpr double kShareOfScreen = 0.8;
-constexpr AreaSize kComfortable = {640, 480}; // one of them is enough
+// One of them is enough. Movies of old are not smaller, and enlarged each picture costs twice as
+// much.
+constexpr AreaSize kComfortable = {320, 240};
 constexpr int kMostEnlarged = 4;
 constexpr AreaSize kLeastWindow = {480, 270};
 

@@ -22,23 +22,23 @@ OpeningSize For(AreaSize natural, AreaSize screen = kScreen, bool mayScale = tru
 
 TEST(OpeningSize, ASmallPictureIsEnlargedByAWholeNumberUntilItIsComfortable)
 {
-    const OpeningSize opening = For({352, 257});
+    const OpeningSize opening = For({300, 200});
     EXPECT_EQ(opening.zoom, 2);
-    EXPECT_EQ(opening.window.width, 2 * 352 + kAcross);
-    EXPECT_EQ(opening.window.height, 2 * 257 + kDown);
+    EXPECT_EQ(opening.window.width, 2 * 300 + kAcross);
+    EXPECT_EQ(opening.window.height, 2 * 200 + kDown);
 }
 
 TEST(OpeningSize, AComfortablePictureKeepsItsSize)
 {
-    const OpeningSize opening = For({720, 593});
+    const OpeningSize opening = For({352, 257});
     EXPECT_EQ(opening.zoom, 1);
-    EXPECT_EQ(opening.window.width, 720 + kAcross);
-    EXPECT_EQ(opening.window.height, 593 + kDown);
+    EXPECT_EQ(opening.window.height, 257 + kDown);
+    EXPECT_EQ(For({720, 593}).window.width, 720 + kAcross);
 }
 
 TEST(OpeningSize, OnASmallScreenItIsEnlargedLess)
 {
-    EXPECT_EQ(For({352, 257}, {800, 600}).zoom, 1);
+    EXPECT_EQ(For({300, 200}, {600, 400}).zoom, 1);
 }
 
 TEST(OpeningSize, AnIconIsEnlargedALittleInAWindowThatCanBeUsed)
