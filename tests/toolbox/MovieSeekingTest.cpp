@@ -159,6 +159,16 @@ TEST_P(SoughtMovie, PlaysEveryPictureFromThereOn)
     EXPECT_EQ(page.Statistics().picturesDropped, 0);
 }
 
+TEST_P(SoughtMovie, StaysAtTheEndToWhichItIsDraggedWhileItPlays)
+{
+    OpenAll();
+    page.ClickPlay();
+    Press(SliderRight() - 1);
+    EXPECT_TRUE(page.Statistics().atEnd);
+    EXPECT_FALSE(page.Statistics().playing);
+    EXPECT_EQ(PictureShown(), LastPicture());
+}
+
 TEST_P(SoughtMovie, ShowsTheRightPictureWhileStillLoading)
 {
     ASSERT_EQ(page.Open(), noErr);

@@ -253,7 +253,7 @@ bool MovieControllerRecord::HandleEvent(const EventRecord& event)
         return Press(event.where);
     case mouseUp: {
         const bool wasDragging = std::exchange(isDragging_, false);
-        if (wasDragging && wasPlaying_) {
+        if (wasDragging && wasPlaying_ && !movie_->IsAtEnd()) { // where it would begin anew
             movie_->Play();
         }
         return wasDragging || Contains(bounds_, event.where);
