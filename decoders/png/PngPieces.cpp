@@ -9,8 +9,8 @@ namespace
 
 constexpr size_t kHeader = 8; // a chunk's length and type
 constexpr UInt64 kCheckSum = 4;
-// Costs nothing against larger ones, and is less than most rows take.
-constexpr UInt64 kImageData = 256;
+// Smaller ones cost time; a row or two wait for the rest of theirs.
+constexpr UInt64 kImageData = 1024;
 
 } // namespace
 
