@@ -21,6 +21,7 @@ constexpr Size kDecodingStackSize = 512 * 1024;
 constexpr SInt32 kBytesForTypeCheck = 4096;
 constexpr AreaSize kPlaceholder = {160, 120};
 constexpr UInt32 kShrinkOnly = kVornDisplayShrinkOnly;
+constexpr UInt32 kKeepAspect = kVornDisplayKeepAspect;
 constexpr double kMicrosecondsPerSecond = 1e6;
 
 } // namespace
@@ -176,12 +177,23 @@ void EmbeddedObject::Display()
 {
     needsDisplay_ = false;
     newRows_.Forget();
-    plugin_.SetDisplayFlags(enlarged_
-                                ? (description_.displayFlags & ~kShrinkOnly) | kVornDisplayScale
-                                : description_.displayFlags);
+    plugin_.SetDisplayFlags(FlagsForArea());
     plugin_.Display(area_);
     wasDisplayed_ = plugin_.IsMade();
     LookAtMovies();
+}
+
+// A movie's own proportions are those with its controller, which is as high at any size: at
+// another than its own it takes the area as it is, which the picture's proportions have made.
+UInt32 EmbeddedObject::FlagsForArea() const
+{
+    UInt32 flags = description_.displayFlags;
+    if (enlarged_) {
+        flags = (flags & ~kShrinkOnly) | kVornDisplayScale;
+    }
+    const bool isOfOwnSize =
+        area_.right - area_.left == natural_.width && area_.bottom - area_.top == natural_.height;
+    return RowsOfController() > 0 && !isOfOwnSize ? flags & ~kKeepAspect : flags;
 }
 
 void EmbeddedObject::Idle()
@@ -256,8 +268,10 @@ AreaSize EmbeddedObject::WantedArea(SInt16 pageWidth, double zoom) const
     if (IsSoundOnly()) {
         return natural_;
     }
-    return AreaForPicture(MayScale() ? Zoomed(natural_, zoom) : natural_, description_.displayFlags,
-                          pageWidth);
+    const AreaSize picture = WithRows(natural_, static_cast<SInt16>(-RowsOfController()));
+    const AreaSize area = AreaForPicture(MayScale() ? Zoomed(picture, zoom) : picture,
+                                         description_.displayFlags, pageWidth);
+    return WithRows(area, RowsOfController());
 }
 
 bool EmbeddedObject::IsSoundOnly() const
@@ -268,6 +282,12 @@ bool EmbeddedObject::IsSoundOnly() const
 bool EmbeddedObject::MayScale() const
 {
     return (description_.displayFlags & kVornDisplayScale) != 0 && !IsSoundOnly();
+}
+
+SInt16 EmbeddedObject::RowsOfController() const
+{
+    const bool isMovie = hasDimensions_ && plugin_.Bundle()->PlaysMovies();
+    return isMovie && !IsSoundOnly() ? kControllerRows : SInt16{0};
 }
 
 Rect EmbeddedObject::DrawnRect() const

@@ -88,8 +88,9 @@ public:
     // The size of its own that it told.
     AreaSize NaturalSize() const { return natural_; }
     bool IsSoundOnly() const;
-    // In proportion, to any size.
+    // In proportion, to any size, but for the rows of a movie's controller.
     bool MayScale() const;
+    SInt16 RowsOfController() const;
     // Where in its area it draws.
     Rect DrawnRect() const;
     bool HasDimensions() const { return hasDimensions_; }
@@ -136,6 +137,7 @@ private:
     OSErr Error() const;
     OSErr NothingInIt() const;
     bool IsShown() const;
+    UInt32 FlagsForArea() const;
     bool MayMove() const;
     void LookAtMovies();
     FirstPicture Now() const;

@@ -128,4 +128,9 @@ AreaSize Zoomed(AreaSize natural, double zoom)
     return {zoomed(natural.width), zoomed(natural.height)};
 }
 
+AreaSize WithRows(AreaSize size, SInt16 rows)
+{
+    return {size.width, ToCoordinate(size.height + rows)};
+}
+
 } // namespace viewer

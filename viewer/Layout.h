@@ -62,5 +62,8 @@ PagePlaces LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth,
 AreaSize AreaForPicture(AreaSize natural, UInt32 displayFlags, SInt16 pageWidth);
 // The size that it has on a page that is shown enlarged or reduced.
 AreaSize Zoomed(AreaSize natural, double zoom);
+// A size with so many rows more, or less: what is as high at any size, such as a movie's
+// controller.
+AreaSize WithRows(AreaSize size, SInt16 rows);
 
 } // namespace viewer

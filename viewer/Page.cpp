@@ -193,8 +193,11 @@ Rect Page::PlaceAlone(const EmbeddedObject& object) const
 {
     AreaSize size = object.NaturalSize();
     if (!object.IsSoundOnly()) {
-        size = Zoomed(size, std::min(static_cast<double>(shape_.width) / size.width,
-                                     static_cast<double>(shape_.height) / size.height));
+        const SInt16 rows = object.RowsOfController();
+        const AreaSize picture = WithRows(size, static_cast<SInt16>(-rows));
+        const double zoom = std::min(static_cast<double>(shape_.width) / picture.width,
+                                     static_cast<double>(shape_.height - rows) / picture.height);
+        size = WithRows(Zoomed(picture, zoom), rows);
     }
     const int left = (shape_.width - size.width) / 2;
     const int top = (shape_.height - size.height) / 2;

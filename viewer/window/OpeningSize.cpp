@@ -38,16 +38,18 @@ SInt16 LengthFor(int wanted, SInt16 least, SInt16 screen)
 
 } // namespace
 
-OpeningSize OpeningSizeFor(AreaSize natural, bool mayScale, AreaSize screen, const PageStyle& style)
+OpeningSize OpeningSizeFor(AreaSize natural, SInt16 rowsOfController, bool mayScale,
+                           AreaSize screen, const PageStyle& style)
 {
+    const AreaSize picture = WithRows(natural, static_cast<SInt16>(-rowsOfController));
     const int across = 2 * style.margin;
-    const int down = 2 * style.margin + style.captionHeight;
+    const int down = 2 * style.margin + style.captionHeight + rowsOfController;
     const double fit =
-        std::min((screen.width * kShareOfScreen - across) / std::max<SInt16>(1, natural.width),
-                 (screen.height * kShareOfScreen - down) / std::max<SInt16>(1, natural.height));
+        std::min((screen.width * kShareOfScreen - across) / std::max<SInt16>(1, picture.width),
+                 (screen.height * kShareOfScreen - down) / std::max<SInt16>(1, picture.height));
     OpeningSize opening;
-    opening.zoom = mayScale && fit > 0 ? ZoomFor(natural, fit) : 1;
-    const AreaSize area = Zoomed(natural, opening.zoom);
+    opening.zoom = mayScale && fit > 0 ? ZoomFor(picture, fit) : 1;
+    const AreaSize area = Zoomed(picture, opening.zoom);
     opening.window = {LengthFor(area.width + across, kLeastWindow.width, screen.width),
                       LengthFor(area.height + down, kLeastWindow.height, screen.height)};
     return opening;

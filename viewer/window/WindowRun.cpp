@@ -204,8 +204,9 @@ void WindowRun::FitWindow()
         return;
     }
     const EmbeddedObject& object = *objects[0];
-    const OpeningSize opening = OpeningSizeFor(object.NaturalSize(), object.MayScale(),
-                                               window_.RoomOnScreen(), page.Style());
+    const OpeningSize opening =
+        OpeningSizeFor(object.NaturalSize(), object.RowsOfController(), object.MayScale(),
+                       window_.RoomOnScreen(), page.Style());
     window_.Resize(opening.window);
     input_.FitPage(opening.zoom);
 }

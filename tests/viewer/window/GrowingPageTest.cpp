@@ -90,6 +90,37 @@ TEST_F(GrowingPageTest, ZoomEnlargesAnObject)
     EXPECT_EQ(object.Area().right - object.Area().left, 2 * before);
 }
 
+TEST_F(GrowingPageTest, ZoomKeepsTheHeightOfAController)
+{
+    const EmbeddedObject& object = AddShown("a");
+    const int picture = object.NaturalSize().height - viewer::kControllerRows;
+    page.Reshape({300, 200, 2.0});
+    page.DrawChanges();
+    EXPECT_EQ(object.Area().bottom - object.Area().top, 2 * picture + viewer::kControllerRows);
+}
+
+// Its own proportions would be those with the controller.
+TEST_F(GrowingPageTest, OnlyAnObjectOfItsOwnSizeKeepsItsProportionsItself)
+{
+    EmbeddedObject& object = AddShown("a");
+    EXPECT_EQ(object.Report().comment, "flags 31");
+    page.Reshape({300, 200, 2.0});
+    page.DrawChanges();
+    EXPECT_EQ(object.Report().comment, "flags 25");
+    page.Reshape({300, 200});
+    page.DrawChanges();
+    EXPECT_EQ(object.Report().comment, "flags 31");
+}
+
+TEST_F(GrowingPageTest, ANarrowPageShrinksAMovieInProportionToItsPicture)
+{
+    const EmbeddedObject& object = AddShown("a");
+    page.Reshape({70, 200});
+    page.DrawChanges();
+    EXPECT_EQ(object.Area().right - object.Area().left, 50);
+    EXPECT_EQ(object.Area().bottom - object.Area().top, 33 / 2 + viewer::kControllerRows);
+}
+
 TEST_F(GrowingPageTest, AParagraphMovesWithTheObjectAboveItAndLeavesNothingBehind)
 {
     page.Texts().SetMeasure([](size_t, SInt16, double) { return 20; });
@@ -139,9 +170,10 @@ TEST_F(GrowingPageTest, AnObjectAloneFillsTheWindowInProportion)
     page.Reshape({static_cast<SInt16>(natural.width * 3), static_cast<SInt16>(natural.height * 4),
                   1.0, &object});
     page.DrawChanges();
+    const int height = 3 * (natural.height - viewer::kControllerRows) + viewer::kControllerRows;
     EXPECT_EQ(object.Area().right - object.Area().left, natural.width * 3);
-    EXPECT_EQ(object.Area().bottom - object.Area().top, natural.height * 3);
-    EXPECT_EQ(object.Area().top, (natural.height * 4 - natural.height * 3) / 2);
+    EXPECT_EQ(object.Area().bottom - object.Area().top, height);
+    EXPECT_EQ(object.Area().top, (natural.height * 4 - height) / 2);
     EXPECT_EQ(page.Objects()[0]->Area().right, 0);
 }
 

@@ -15,9 +15,10 @@ constexpr AreaSize kScreen = {1920, 1080};
 constexpr int kAcross = 2 * 16;
 constexpr int kDown = 2 * 16 + 40;
 
-OpeningSize For(AreaSize natural, AreaSize screen = kScreen, bool mayScale = true)
+OpeningSize For(AreaSize natural, AreaSize screen = kScreen, bool mayScale = true,
+                SInt16 rowsOfController = 0)
 {
-    return OpeningSizeFor(natural, mayScale, screen, viewer::StyleWithText());
+    return OpeningSizeFor(natural, rowsOfController, mayScale, screen, viewer::StyleWithText());
 }
 
 TEST(OpeningSize, ASmallPictureIsEnlargedByAWholeNumberUntilItIsComfortable)
@@ -55,6 +56,13 @@ TEST(OpeningSize, AHugePictureIsSeenAsAWholeOnFourFifthsOfTheScreen)
     EXPECT_EQ(opening.window.height, 864);
     EXPECT_NEAR(opening.zoom, (864.0 - kDown) / 4000, 1e-6);
     EXPECT_EQ(opening.window.width, 1188 + kAcross);
+}
+
+TEST(OpeningSize, TheControllerOfAnEnlargedMovieKeepsItsHeight)
+{
+    const OpeningSize opening = For({160, 137}, kScreen, true, 17);
+    EXPECT_EQ(opening.zoom, 2);
+    EXPECT_EQ(opening.window.height, 2 * 120 + 17 + kDown);
 }
 
 TEST(OpeningSize, WhatMayNotBeScaledKeepsItsSize)

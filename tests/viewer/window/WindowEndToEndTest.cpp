@@ -265,8 +265,8 @@ TEST_F(WindowEndToEnd, PAndSSavePicturesIntoTheFolder)
 
 TEST_F(WindowEndToEnd, AMovieAloneShowsItsTimeForAMomentWhenItIsSought)
 {
-    RunningWindow window(*screen, {Clip("mpeg1.mpg")});
-    ASSERT_TRUE(window.WaitUntil(ShowsMovie));
+    RunningWindow window(*screen, {Clip("silent.mpg")});
+    ASSERT_TRUE(window.WaitUntil(ShowsPicture));
     window.Do("key F11");
     const auto hasNotice = [](const Screenshot& shot) {
         return shot.At(HiddenScreen::kWidth / 2, HiddenScreen::kHeight - 18) == kNoticeColor;
@@ -396,7 +396,7 @@ TEST_F(WindowEndToEnd, ASingleObjectGetsAWindowOfItsSizeOnceItIsShown)
     EXPECT_TRUE(window.WaitUntil([](const Screenshot& shot) {
         const Rect part = WindowPart(shot);
         return part.right - part.left == kLeastWidth &&
-               part.bottom - part.top == kZoom * (120 + 17) + 2 * kMargin + 40 &&
+               part.bottom - part.top == kZoom * 120 + 17 + 2 * kMargin + 40 &&
                shot.At(part.left + kMargin + kZoom * 160 - 10, part.top + kMargin + 150) !=
                    kBackground;
     }));
@@ -423,7 +423,7 @@ TEST_F(WindowEndToEnd, AWindowManagerGivesItTheWholeScreenAndTakesItBack)
     }
     const HiddenScreen managed;
     ASSERT_TRUE(managed.StartManager());
-    RunningWindow window(managed, {"--size", "500x400", Clip("mpeg1.mpg")});
+    RunningWindow window(managed, {"--size", "500x400", Clip("silent.mpg")});
     const auto isSmall = [](const Screenshot& shot) {
         return shot.At(5, 5) == 0 && shot.At(995, 690) == 0 && shot.At(500, 540) == kBackground;
     };
