@@ -268,7 +268,7 @@ AreaSize EmbeddedObject::WantedArea(SInt16 pageWidth, double zoom) const
     if (IsSoundOnly()) {
         return natural_;
     }
-    const AreaSize picture = WithRows(natural_, static_cast<SInt16>(-RowsOfController()));
+    const AreaSize picture = PictureSize();
     const AreaSize area = AreaForPicture(MayScale() ? Zoomed(picture, zoom) : picture,
                                          description_.displayFlags, pageWidth);
     return WithRows(area, RowsOfController());
@@ -288,6 +288,11 @@ SInt16 EmbeddedObject::RowsOfController() const
 {
     const bool isMovie = hasDimensions_ && plugin_.Bundle()->PlaysMovies();
     return isMovie && !IsSoundOnly() ? kControllerRows : SInt16{0};
+}
+
+AreaSize EmbeddedObject::PictureSize() const
+{
+    return WithRows(natural_, static_cast<SInt16>(-RowsOfController()));
 }
 
 Rect EmbeddedObject::DrawnRect() const
@@ -387,8 +392,11 @@ ObjectReport EmbeddedObject::Report()
     report.error = Error();
     report.rect = hasDimensions_ ? area_ : Rect{};
     report.wholeBytes = bytes_ == nullptr ? -1 : bytes_->EstimatedBytes();
-    report.width = natural_.width;
-    report.height = natural_.height;
+    if (hasDimensions_ && !IsSoundOnly()) {
+        const AreaSize picture = PictureSize();
+        report.width = picture.width;
+        report.height = picture.height;
+    }
     report.comment = plugin_.Comment();
     report.firstPicture = firstPicture_;
     report.picturesShown = IsImage() ? ImagePicturesShown() : statistics.picturesShown;

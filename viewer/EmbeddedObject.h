@@ -91,6 +91,7 @@ public:
     // In proportion, to any size, but for the rows of a movie's controller.
     bool MayScale() const;
     SInt16 RowsOfController() const;
+    AreaSize PictureSize() const;
     // Where in its area it draws.
     Rect DrawnRect() const;
     bool HasDimensions() const { return hasDimensions_; }

@@ -194,7 +194,7 @@ Rect Page::PlaceAlone(const EmbeddedObject& object) const
     AreaSize size = object.NaturalSize();
     if (!object.IsSoundOnly()) {
         const SInt16 rows = object.RowsOfController();
-        const AreaSize picture = WithRows(size, static_cast<SInt16>(-rows));
+        const AreaSize picture = object.PictureSize();
         const double zoom = std::min(static_cast<double>(shape_.width) / picture.width,
                                      static_cast<double>(shape_.height - rows) / picture.height);
         size = WithRows(Zoomed(picture, zoom), rows);

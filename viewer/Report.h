@@ -28,7 +28,7 @@ struct ObjectReport {
     Rect rect{}; // on the page; empty if the object never had a size
     // These are not written.
     SInt32 wholeBytes = -1; // as many as there are, -1 if that is not known
-    SInt16 width = 0;       // as its bundle tells it
+    SInt16 width = 0;       // of its picture, without a movie's controller
     SInt16 height = 0;
     std::string comment;
     std::optional<FirstPicture> firstPicture;

@@ -15,7 +15,7 @@ TEST(InfoTable, HasALineForEachObject)
     clip.plugin = "VornMovie";
     clip.wholeBytes = 123456;
     clip.width = 352;
-    clip.height = 257;
+    clip.height = 240;
     clip.durationSeconds = 4;
     clip.shown = true;
     viewer::ObjectReport text;
@@ -24,7 +24,7 @@ TEST(InfoTable, HasALineForEachObject)
     report.objects = {clip, text};
     EXPECT_EQ(viewer::DescribeObjects(report),
               "NAME      TYPE        PLUG-IN     BYTES     SIZE  SECONDS  STATE\n"
-              "clip.mpg  video/mpeg  VornMovie  123456  352x257     4.00  ok\n"
+              "clip.mpg  video/mpeg  VornMovie  123456  352x240     4.00  ok\n"
               "\u00E4.txt     -           -               -        -        -  error -50\n");
 }
 
