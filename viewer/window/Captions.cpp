@@ -60,7 +60,7 @@ void Captions::Update(const EmbeddedObject* focus)
 Captions::Caption Captions::Describe(EmbeddedObject& object, const EmbeddedObject* focus)
 {
     Caption caption;
-    caption.name = object.Name() == "-" ? "standard input" : object.FileName();
+    caption.name = NameToShow(object.Name(), object.FileName());
     caption.details = Join(DescribeState(object), WidthFor(object.Area()));
     caption.problem = object.Problem();
     caption.isFocused = &object == focus;

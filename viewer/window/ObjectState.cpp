@@ -60,12 +60,19 @@ std::string DescribeClock(SInt64 seconds)
 
 std::string DescribeDimensions(const EmbeddedObject& object)
 {
-    const AreaSize size = object.NaturalSize();
-    const int bar = object.Bundle()->PlaysMovies() ? kControllerRows : 0;
-    return std::to_string(size.width) + " \u00D7 " + std::to_string(size.height - bar);
+    const AreaSize size = object.PictureSize();
+    return std::to_string(size.width) + " \u00D7 " + std::to_string(size.height);
 }
 
 } // namespace
+
+std::string NameToShow(const std::string& name, const std::string& fileName)
+{
+    if (name == "-") {
+        return "standard input";
+    }
+    return fileName.empty() ? name : fileName;
+}
 
 std::string DescribeSize(SInt64 bytes)
 {

@@ -10,6 +10,8 @@
 namespace viewer
 {
 
+// What an object is called in the window. The URL of a folder has no file's name.
+std::string NameToShow(const std::string& name, const std::string& fileName);
 // What a caption says of an object: type, bytes, size, time, state; for example "video/mpeg",
 // "1.2 MB", "352 × 240", "0:12 / 1:00", "playing".
 // The parts in that order; what a narrow caption has no room for goes from the front.

@@ -44,7 +44,7 @@ void WakeWatch()
 std::string TitleOf(const Options& options)
 {
     const std::string& first = options.objects.front().location;
-    const std::string name = first == "-" ? "standard input" : first.substr(first.rfind('/') + 1);
+    const std::string name = NameToShow(first, first.substr(first.rfind('/') + 1));
     const size_t others = options.objects.size() - 1;
     return name + (others == 0 ? "" : " and " + std::to_string(others) + " more") + " - vornview";
 }

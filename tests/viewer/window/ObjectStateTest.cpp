@@ -16,6 +16,13 @@ MovieStatistics At(double time, double duration)
     return movie;
 }
 
+TEST(ObjectState, WhatHasNoFileNameIsCalledByAllOfItsName)
+{
+    EXPECT_EQ(viewer::NameToShow("http://example.org/clip.mpg", "clip.mpg"), "clip.mpg");
+    EXPECT_EQ(viewer::NameToShow("http://example.org/", ""), "http://example.org/");
+    EXPECT_EQ(viewer::NameToShow("-", "-"), "standard input");
+}
+
 TEST(ObjectState, TellsTheTimeOfAMovieAndItsLength)
 {
     EXPECT_EQ(viewer::DescribeTime(At(0, 5)), "0:00 / 0:05");
