@@ -2,8 +2,8 @@
 //
 // Damaged JPEG files that arrive in pieces: they end in the same pixels, and with the same result,
 // as if all had been there at once.
+#include "tests/decoders/DamagedArrival.h"
 #include "tests/decoders/JpegFiles.h"
-#include "tests/support/ManualClock.h"
 #include "tests/support/MemoryLimit.h"
 
 #include <gtest/gtest.h>
@@ -24,46 +24,9 @@ const ImageBundle& Bundle()
     return bundle;
 }
 
-struct End {
-    OSErr result = 0;
-    Picture picture;
-    bool operator==(const End&) const = default;
-};
-
-End EndOf(const Bytes& file, const JpegSpec& spec, const std::deque<SInt32>& pieces)
+DamagedFile Damaged(const Bytes& file, const JpegSpec& spec)
 {
-    ManualClock clock;
-    HostedImage image(Bundle(), file);
-    image.host.arrivals = pieces;
-    UInt32 now = 1;
-    image.host.onGetData = [&] { clock.GoToTick(now += 5); };
-    End end;
-    end.result = image.Decode();
-    if (image.Depth() != 0)
-        end.picture = image.Display(static_cast<SInt32>(spec.width), //
-                                    static_cast<SInt32>(spec.height));
-    return end;
-}
-
-End AtOnce(const Bytes& file, const JpegSpec& spec)
-{
-    return EndOf(file, spec, {static_cast<SInt32>(file.size())});
-}
-
-std::deque<SInt32> Pieces(size_t size, UInt32 largest, std::minstd_rand& random)
-{
-    std::deque<SInt32> pieces;
-    for (size_t given = 0; given < size; given += static_cast<size_t>(pieces.back()))
-        pieces.push_back(static_cast<SInt32>(1 + random() % largest));
-    return pieces;
-}
-
-void ExpectTheSameInPieces(const Bytes& file, const JpegSpec& spec, std::minstd_rand& random)
-{
-    const End atOnce = AtOnce(file, spec);
-    for (const UInt32 largest : {1U, 30U, 1000U})
-        EXPECT_EQ(EndOf(file, spec, Pieces(file.size(), largest, random)), atOnce)
-            << "in pieces of up to " << largest << " bytes";
+    return {Bundle(), file, static_cast<UInt32>(spec.width), static_cast<UInt32>(spec.height)};
 }
 
 // Changes some bytes behind the tables, or near marks.
@@ -124,7 +87,7 @@ TEST(JpegDamageInPieces, EndsAsAllAtOnceWhateverChanged)
             std::minstd_rand random(seed);
             Bytes file = whole;
             Damage(file, random);
-            ExpectTheSameInPieces(file, spec, random);
+            ExpectTheSameInPieces(Damaged(file, spec), random);
         }
     }
 }
@@ -144,7 +107,7 @@ TEST(JpegDamageInPieces, IsSmoothedAsAllAtOnceBehindTheLastGoodRow)
         std::minstd_rand random(seed);
         Bytes file = whole;
         EmptyLastIntervals(file, kRefiningScan, 1 + random() % 40, random);
-        ExpectTheSameInPieces(file, spec, random);
+        ExpectTheSameInPieces(Damaged(file, spec), random);
     }
 }
 
@@ -158,7 +121,7 @@ TEST(JpegDamageInPieces, HasTheSameBlocksWhereAByteOfOnesIsTwice)
     ASSERT_LT(ones, file.end() - 2000);
     file.insert(ones, 0xFF);
     std::minstd_rand random(1);
-    ExpectTheSameInPieces(file, spec, random);
+    ExpectTheSameInPieces(Damaged(file, spec), random);
 }
 
 TEST(JpegDamageInPieces, TakesNoMoreOfTheMemoryForArithmeticCodesThanItsBytes)
@@ -167,7 +130,7 @@ TEST(JpegDamageInPieces, TakesNoMoreOfTheMemoryForArithmeticCodesThanItsBytes)
     const Bytes file = WriteJpeg(spec);
     const MemoryLimit limit(spec.width * spec.height * 4 + file.size());
     std::minstd_rand random(1);
-    EXPECT_EQ(EndOf(file, spec, Pieces(file.size(), 1, random)).result, 0);
+    EXPECT_EQ(EndOf(Damaged(file, spec), Pieces(file.size(), 1, random)).result, 0);
 }
 
 } // namespace

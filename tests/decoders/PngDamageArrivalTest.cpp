@@ -2,12 +2,12 @@
 //
 // Damaged PNG files that arrive in pieces: they end in the same pixels, and with the same result,
 // as if all had been there at once.
+#include "tests/decoders/DamagedArrival.h"
 #include "tests/decoders/PngFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <deque>
 #include <random>
 
 #include <zlib.h>
@@ -24,38 +24,9 @@ const ImageBundle& Bundle()
     return bundle;
 }
 
-struct End {
-    OSErr result = 0;
-    Picture picture;
-    bool operator==(const End&) const = default;
-};
-
-End EndOf(const Bytes& file, const PngSpec& spec, const std::deque<SInt32>& pieces)
+DamagedFile Damaged(const Bytes& file, const PngSpec& spec)
 {
-    HostedImage image(Bundle(), file);
-    image.host.arrivals = pieces;
-    End end;
-    end.result = image.Decode();
-    if (image.Depth() != 0)
-        end.picture =
-            image.Display(static_cast<SInt32>(spec.width), static_cast<SInt32>(spec.height));
-    return end;
-}
-
-std::deque<SInt32> Pieces(size_t size, UInt32 largest, std::minstd_rand& random)
-{
-    std::deque<SInt32> pieces;
-    for (size_t given = 0; given < size; given += static_cast<size_t>(pieces.back()))
-        pieces.push_back(static_cast<SInt32>(1 + random() % largest));
-    return pieces;
-}
-
-void ExpectTheSameInPieces(const Bytes& file, const PngSpec& spec, std::minstd_rand& random)
-{
-    const End atOnce = EndOf(file, spec, {static_cast<SInt32>(file.size())});
-    for (const UInt32 largest : {1U, 30U, 1000U})
-        EXPECT_EQ(EndOf(file, spec, Pieces(file.size(), largest, random)), atOnce)
-            << "in pieces of up to " << largest << " bytes";
+    return {Bundle(), file, static_cast<UInt32>(spec.width), static_cast<UInt32>(spec.height)};
 }
 
 // Changes a byte of the image data, whose check sum is right nevertheless.
@@ -84,7 +55,7 @@ TEST(PngDamageInPieces, EndsAsAllAtOnceWhereDataCannotBeInflated)
             std::minstd_rand random(seed);
             Bytes file = whole;
             ChangeImageData(file, random);
-            ExpectTheSameInPieces(file, spec, random);
+            ExpectTheSameInPieces(Damaged(file, spec), random);
         }
     }
 }
@@ -126,8 +97,8 @@ TEST(PngDamageInPieces, EndsAsAllAtOnceWhereverItIsCutOff)
     for (size_t size = FindChunk(whole, "IDAT"); size < whole.size(); ++size) {
         SCOPED_TRACE(std::to_string(size) + " bytes");
         std::minstd_rand random(1);
-        ExpectTheSameInPieces(Bytes(whole.begin(), whole.begin() + ptrdiff_t(size)), kBanded,
-                              random);
+        const Bytes file(whole.begin(), whole.begin() + ptrdiff_t(size));
+        ExpectTheSameInPieces(Damaged(file, kBanded), random);
     }
 }
 

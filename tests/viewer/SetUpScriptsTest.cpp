@@ -152,7 +152,7 @@ TEST_F(CodecsScript, TellsWhyTheyCannotBeBuilt)
     EXPECT_EQ(Run("codecs"), 0);
     EXPECT_FALSE(HasBuilt());
     EXPECT_THAT(told, HasSubstr("the disk is full\nThe codecs cannot be built (all of it is in " +
-                                top.Path("build/codecs/work/log)")));
+                                top.Path("build/codecs/source/log)")));
 }
 
 // A folder in which something was built.
