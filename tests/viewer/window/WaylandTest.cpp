@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace
 {
@@ -77,6 +78,21 @@ private:
     pid_t compositor_ = -1;
 };
 
+bool ShowsMovie(const Screenshot& shot)
+{
+    return (shot.At(46, 166) & 0xFF00FF) >= 0xE00000;
+}
+
+// A row of the movie through the number of its picture.
+std::vector<int> NumberShown(const Screenshot& shot)
+{
+    std::vector<int> pixels;
+    for (int x = 16; x < 116; ++x) {
+        pixels.push_back(shot.At(x, 43));
+    }
+    return pixels;
+}
+
 TEST(Wayland, AMoviePlaysInAWindow)
 {
     if (!WaylandScreen::IsPossible()) {
@@ -84,8 +100,10 @@ TEST(Wayland, AMoviePlaysInAWindow)
     }
     const WaylandScreen screen;
     RunningWindow window(screen, {"--play", std::string(VORN_CLIPS) + "/mpeg1.mpg"});
-    EXPECT_TRUE(window.WaitUntil(
-        [](const Screenshot& shot) { return (shot.At(46, 166) & 0xFF00FF) >= 0xE00000; }));
+    ASSERT_TRUE(window.WaitUntil(ShowsMovie));
+    const std::vector<int> first = NumberShown(window.Look());
+    EXPECT_TRUE(
+        window.WaitUntil([&](const Screenshot& shot) { return NumberShown(shot) != first; }));
     window.Do("key q");
     const RunningWindow::Result result = window.WaitForEnd();
     EXPECT_EQ(result.status, 0) << result.err;
