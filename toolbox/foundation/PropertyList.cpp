@@ -25,11 +25,15 @@ std::optional<std::string> ReadFile(const std::string& path)
     if (!std::filesystem::is_regular_file(path, unreadable)) {
         return std::nullopt;
     }
+    const uintmax_t size = std::filesystem::file_size(path, unreadable);
+    if (unreadable || size > kMostBytes) {
+        return std::nullopt;
+    }
+    std::string bytes(size, '\0');
     std::ifstream file(path, std::ios::binary);
-    std::string bytes(kMostBytes + 1, '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     bytes.resize(static_cast<size_t>(file.gcount()));
-    return bytes.size() <= kMostBytes && !file.bad() ? std::optional(bytes) : std::nullopt;
+    return file.bad() ? std::nullopt : std::optional(bytes);
 }
 
 using Nodes = std::unique_ptr<void, void (*)(plist_t)>;
