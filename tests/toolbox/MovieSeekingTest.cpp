@@ -223,6 +223,43 @@ TEST(SeekingMovie, PlaysTheRestOfItsSoundFromThere)
     EXPECT_NEAR(seconds, 1.5, 0.2);
 }
 
+// From some frame on none of the clip's can be decoded: the side information (ISO 11172-3 2.4.1.7)
+// tells of more big values than there are.
+std::string WithSpoiltFrames(std::string mp3, int first)
+{
+    constexpr size_t kFrameSize = 208; // 64 kbit/s at 44.1 kHz, and one byte more where padded
+    constexpr size_t kHeaderSize = 4;
+    constexpr size_t kSideSize = 17; // of one channel
+    size_t at = mp3.find("\xFF\xFB");
+    for (int i = 0; at + kFrameSize <= mp3.size(); ++i) {
+        const size_t padding = (static_cast<UInt8>(mp3[at + 2]) >> 1) & 1U;
+        if (i >= first) {
+            mp3.replace(at + kHeaderSize, kSideSize, kSideSize, '\xFF');
+        }
+        at += kFrameSize + padding;
+    }
+    return mp3;
+}
+
+TEST(SeekingMovie, EndsAtOnceWhereNothingFromThereOnCanBeDecoded)
+{
+    OpenedMovie page(WithSpoiltFrames(Clip("sound.mp3"), 50), "sound.mp3");
+    page.OpenAll();
+    page.IdleUntilNothingIsPending();
+    const Rect bar = page.Bar();
+    EXPECT_TRUE(page.Mouse(mouseDown, bar.right - 60, bar.top + 8));
+    EXPECT_TRUE(page.Mouse(mouseUp, bar.right - 60, bar.top + 8));
+    const double sought = page.Statistics().timeSeconds;
+    EXPECT_GT(sought, 4);
+    const TimeValue duration = GetMovieDuration(page.movie);
+    page.ClickPlay();
+    page.PlayToEnd();
+    EXPECT_TRUE(page.sound.empty());
+    EXPECT_FALSE(page.Statistics().playing);
+    EXPECT_NEAR(page.Statistics().timeSeconds, sought, 0.05);
+    EXPECT_EQ(GetMovieDuration(page.movie), duration);
+}
+
 class SoughtSound : public testing::TestWithParam<const char*>
 {
 };

@@ -170,13 +170,16 @@ MovieRecord::Nanoseconds MovieRecord::EndOfSound() const
                : kNoTime;
 }
 
-// Everything is decoded; the movie is over when the last picture and the last sound are.
+// Everything is decoded; the movie is over when the last picture and the last sound are, at once if
+// there was nothing to decode from where it was sent.
 void MovieRecord::EndPlaying()
 {
-    const Nanoseconds end = std::max(EndOfPictures(), EndOfSound());
+    const Nanoseconds decoded = std::max(EndOfPictures(), EndOfSound());
+    const Nanoseconds end = decoded != kNoTime ? decoded : time_;
     if (time_ >= end) {
         PlaySoundUpTo(end);
-        time_ = playedEnd_ = end;
+        playedEnd_ = decoded;
+        time_ = end;
         isAtEnd_ = true;
         isPlaying_ = isHeldUp_ = false; // the sink has all its sound, and it is due
     }
