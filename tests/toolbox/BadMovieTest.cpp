@@ -89,6 +89,19 @@ TEST(BadMovie, PlaysPicturesWithoutTimes)
     EXPECT_EQ(page.Statistics().picturesShown, ExpectedPictures("video.m1v"));
 }
 
+TEST(BadMovie, DoesNotWaitForATimeBehindALongFirstPicture)
+{
+    const std::string startCode = "\0\0\1\0"s;
+    std::string pictures = Clip("video.m1v");
+    const size_t second = pictures.find(startCode, pictures.find(startCode) + 1);
+    pictures.insert(second, 300000, '\0'); // stuffing (ISO 11172-2 2.4.1)
+    const std::string untilThen = TimelessStreamOf(pictures.substr(0, second + 300100));
+    OpenedMovie page(TimelessStreamOf(pictures));
+    ASSERT_EQ(page.Open(), noErr);
+    page.data.ArriveUpTo(untilThen.size());
+    EXPECT_TRUE(page.ShowIfPlayable());
+}
+
 TEST(BadMovie, SurvivesRandomDamage)
 {
     std::mt19937 random(7);

@@ -213,8 +213,6 @@ void MovieRecord::BecomePlayable()
     const bool isSoundAlone = !video_ || video_->Current() == nullptr;
     if (isSoundAlone) {
         video_.reset();
-    }
-    if (isSoundAlone) {
         beginning_ = audio_->Start();
     } else if (timeline_.First() != kNoTime) {
         beginning_ = timeline_.First();
