@@ -53,8 +53,10 @@ private:
     std::optional<StackMemory> stack_;
     Entry entry_ = nullptr;
     void* argument_ = nullptr;
-    ucontext_t start_{};    // the first time it runs, it begins here …
-    std::jmp_buf resume_{}; // … and afterwards it goes on here
+    // The first time it runs, it begins at start_, and afterwards it goes on at resume_, but under
+    // a memory checker always at start_.
+    ucontext_t start_{};
+    [[maybe_unused]] std::jmp_buf resume_{};
     bool isStarted_ = true; // the operating system's own stack always is
     ExceptionState exceptions_;
     int errno_ = 0;
