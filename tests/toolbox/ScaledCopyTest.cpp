@@ -119,7 +119,9 @@ TEST(ScaledCopy, LeavesOneColorAsItIs)
         for (int i = 0; i < 700 * 300; ++i) {
             reference::SetValueAt(BitsOf(source), i / 300, i % 300, color);
         }
-        const auto any = [&](int most) { return static_cast<SInt16>(1 + random() % most); };
+        const auto any = [&](int most) {
+            return static_cast<SInt16>(1 + random() % static_cast<UInt32>(most));
+        };
         const Rect from = {0, 0, any(700), any(300)};
         const Rect to = {0, 0, any(40), any(40)};
         CopyBits(BitsOf(source), BitsOf(target), &from, &to, srcCopy, nullptr);
