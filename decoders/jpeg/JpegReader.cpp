@@ -33,6 +33,11 @@ JpegReader::JpegReader(VornPlugin& ownImage) : image_(ownImage), frame_(ownImage
         if (level < 0 && std::ranges::count(kDamage, errors->msg_code) != 0)
             errors->isDamaged = true;
     };
+    CreateDecoder();
+}
+
+void JpegReader::CreateDecoder()
+{
     jpeg_source_mgr* const source = decoder_.src;
     Guarded([this] { jpeg_create_decompress(&decoder_); });
     decoder_.src = source;
@@ -74,11 +79,12 @@ void JpegReader::Decode()
 }
 
 // What scans brought before a failure is shown, however fast they came, by decoding them anew: the
-// library may have given up, and which rows of a damaged scan it smooths depends on where it
-// waited.
+// library may have given up, which rows of a damaged scan it smooths depends on where it waited,
+// and its tables may be those of a later scan.
 void JpegReader::ShowWhatWasUsed()
 try {
-    jpeg_abort_decompress(&decoder_);
+    jpeg_destroy_decompress(&decoder_);
+    CreateDecoder();
     source_.StartOver(image_);
     hasHeader_ = isInPass_ = isComplete_ = false;
     while (!isComplete_)

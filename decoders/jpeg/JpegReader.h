@@ -37,6 +37,7 @@ private:
     // Runs a step in which the library may give up; tells of new rows, and throws if it did.
     template <class Step>
     void Guarded(Step step);
+    void CreateDecoder();
     OSErr Failure() const;
     void ShowWhatWasUsed();
     void DecodeNextBlock();

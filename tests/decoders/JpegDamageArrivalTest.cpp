@@ -124,6 +124,36 @@ TEST(JpegDamageInPieces, HasTheSameBlocksWhereAByteOfOnesIsTwice)
     ExpectTheSameInPieces(Damaged(file, spec), random);
 }
 
+void RemoveHuffmanTables(Bytes& file)
+{
+    constexpr UInt8 kTables = 0xC4;
+    while (FindMarker(file, kTables) < FindMarker(file, 0xDA)) {
+        const size_t at = FindMarker(file, kTables);
+        const auto start = file.begin() + static_cast<ptrdiff_t>(at);
+        file.erase(start, start + 2 + (file[at + 2] << 8 | file[at + 3]));
+    }
+}
+
+// Tables that a file leaves out are the usual ones, unless another scan has set them.
+TEST(JpegDamageInPieces, ShowsTheScanBeforeDamagedTables)
+{
+    const JpegSpec spec = {.width = 90, .height = 70, .hasScanForEach = true};
+    Bytes file = WriteJpeg(spec);
+    RemoveHuffmanTables(file);
+    // A table with more codes of one bit than there are, then one with more codes than may be.
+    Bytes tables = {0xFF, 0xC4, 0, 2 + 17 + 3 + 17, 0x00, 3};
+    tables.resize(tables.size() + 15 + 3);
+    tables.push_back(0x10);
+    tables.resize(tables.size() + 16, 0xFF);
+    const auto second = file.begin() + static_cast<ptrdiff_t>(FindMarker(file, 0xDA, 2));
+    file.insert(second, tables.begin(), tables.end());
+    const End end = EndOf(Damaged(file, spec), {static_cast<SInt32>(file.size())});
+    EXPECT_EQ(end.result, kVornErrRenderFailed);
+    EXPECT_NE(end.picture.At(0, 0), kWhitePage);
+    std::minstd_rand random(1);
+    ExpectTheSameInPieces(Damaged(file, spec), random);
+}
+
 TEST(JpegDamageInPieces, TakesNoMoreOfTheMemoryForArithmeticCodesThanItsBytes)
 {
     const JpegSpec spec = {.width = 64, .height = 64, .isArithmetic = true};
