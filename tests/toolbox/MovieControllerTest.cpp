@@ -26,6 +26,47 @@ TEST(MovieController, LeavesEventsOutsideItToOthers)
     EXPECT_FALSE(page.Statistics().playing);
 }
 
+// Events tell of places on the screen.
+class InAWindowBesideTheCorner : public testing::Test
+{
+protected:
+    InAWindowBesideTheCorner()
+    {
+        const Rect onScreen = {kTop, kLeft, kTop + 400, kLeft + 500};
+        EXPECT_EQ(ResizeWindowPort(page.port, &onScreen), noErr);
+        page.OpenAll();
+        page.IdleUntilNothingIsPending();
+        bar = page.Bar();
+    }
+
+    static constexpr SInt16 kTop = 300;
+    static constexpr SInt16 kLeft = 70;
+    OpenedMovie page{Clip("mpeg1.mpg")};
+    Rect bar{};
+};
+
+TEST_F(InAWindowBesideTheCorner, IsPressedWhereItStandsOnTheScreen)
+{
+    EXPECT_FALSE(page.Mouse(mouseDown, bar.left + 24, bar.top + 8));
+    EXPECT_FALSE(page.Statistics().playing);
+    EXPECT_TRUE(page.Mouse(mouseDown, kLeft + bar.left + 24, kTop + bar.top + 8));
+    EXPECT_TRUE(page.Statistics().playing);
+}
+
+TEST_F(InAWindowBesideTheCorner, IsReleasedWhereItStandsOnTheScreen)
+{
+    EXPECT_FALSE(page.Mouse(mouseUp, bar.left + 24, bar.top + 8));
+    EXPECT_TRUE(page.Mouse(mouseUp, kLeft + bar.left + 24, kTop + bar.top + 8));
+}
+
+TEST_F(InAWindowBesideTheCorner, ItsThumbFollowsThePointerOnTheScreen)
+{
+    ASSERT_TRUE(page.Mouse(mouseDown, kLeft + bar.left + 40, kTop + bar.top + 8));
+    ASSERT_TRUE(page.Mouse(osEvt, kLeft + (bar.left + bar.right) / 2, kTop + bar.top + 8));
+    const double length = page.Statistics().durationSeconds;
+    EXPECT_NEAR(page.Statistics().timeSeconds, length / 2, length / 50);
+}
+
 TEST(MovieController, SilencesAndRestoresTheSoundByItsButton)
 {
     OpenedMovie page(Clip("sound.mp2"), "sound.mp2");

@@ -3,6 +3,7 @@
 
 #include "toolbox/probe/Announce.h"
 #include "toolbox/quickdraw/Drawing.h"
+#include "toolbox/quickdraw/Port.h"
 #include "toolbox/quicktime/Movie.h"
 
 #include <algorithm>
@@ -246,21 +247,33 @@ void MovieControllerRecord::DrawStep(const Rect& box, bool isForward, CGrafPort&
     }
 }
 
+// Events tell where on the screen the pointer is; the controller stands in its port.
+Point MovieControllerRecord::PlaceInPort(Point onScreen) const
+{
+    const CGrafPtr port = movie_->Port();
+    if (port == nullptr) {
+        return onScreen;
+    }
+    return Point{static_cast<SInt16>(onScreen.v - port->placeOnScreen.v),
+                 static_cast<SInt16>(onScreen.h - port->placeOnScreen.h)};
+}
+
 bool MovieControllerRecord::HandleEvent(const EventRecord& event)
 {
+    const Point pointer = PlaceInPort(event.where);
     switch (event.what) {
     case mouseDown:
-        return Press(event.where);
+        return Press(pointer);
     case mouseUp: {
         const bool wasDragging = std::exchange(isDragging_, false);
         if (wasDragging && wasPlaying_ && !movie_->IsAtEnd()) { // where it would begin anew
             movie_->Play();
         }
-        return wasDragging || Contains(bounds_, event.where);
+        return wasDragging || Contains(bounds_, pointer);
     }
     case osEvt:
         if (isDragging_) {
-            DragTo(event.where);
+            DragTo(pointer);
         }
         return isDragging_;
     case keyDown:

@@ -63,6 +63,7 @@ private:
     void DrawPlay(const Face& face, CGrafPort& port);
     void DrawSlider(const Face& face, CGrafPort& port);
     void DrawStep(const Rect& box, bool isForward, CGrafPort& port);
+    Point PlaceInPort(Point onScreen) const;
     bool Press(Point at);
     void DragTo(Point at);
     bool HandleKey(char key, UInt16 modifiers);

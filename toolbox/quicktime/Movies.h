@@ -88,9 +88,10 @@ TOOLBOX_EXPORT SInt32 MCSetControllerBoundsRect(MovieController controller, cons
 /* Copies the clip region for controller and picture; null: none. */
 TOOLBOX_EXPORT SInt32 MCSetClip(MovieController controller, RgnHandle clip, RgnHandle movieClip);
 TOOLBOX_EXPORT SInt32 MCMovieChanged(MovieController controller, Movie movie);
-/* Handles an event if it is the controller's; 1 when it was, else 0. Its keys: the space bar plays
- * and pauses; left and right step by one picture, with the shift key go by 5 seconds, with the
- * command key by a minute; up and down change the volume. */
+/* Handles an event if it is the controller's; 1 when it was, else 0. The pointer is taken to where
+ * the movie's port stands on the screen. Its keys: the space bar plays and pauses; left and right
+ * step by one picture, with the shift key go by 5 seconds, with the command key by a minute; up
+ * and down change the volume. */
 TOOLBOX_EXPORT SInt32 MCIsPlayerEvent(MovieController controller, const EventRecord* event);
 
 /* For hosts ------------------------------------------------------------------------------- */
