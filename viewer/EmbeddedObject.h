@@ -81,6 +81,9 @@ public:
 
     const Rect& Area() const { return area_; }
     void SetArea(const Rect& area) { area_ = area; }
+    // Where on the page something may be written about it.
+    const Rect& CaptionArea() const { return captionArea_; }
+    void SetCaptionArea(const Rect& area) { captionArea_ = area; }
     // The size of the area it wants on a page of that width, without dimensions a placeholder's.
     AreaSize WantedArea(SInt16 pageWidth, double zoom = 1) const;
     // Whether its picture may become larger than it is in a larger area, whatever its flags say.
@@ -158,6 +161,7 @@ private:
     int roundsSinceDecoded_ = 0;
 
     Rect area_{};
+    Rect captionArea_{};
     AreaSize natural_;
     bool hasDimensions_ = false;
     bool sizeChanged_ = false;

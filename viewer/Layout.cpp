@@ -75,6 +75,30 @@ private:
     bool isBehindParagraph_ = false;
 };
 
+Rect CaptionBelow(const Rect& area, SInt32 left, SInt32 right, const PageStyle& style)
+{
+    return {area.bottom, ToCoordinate(left),
+            ToCoordinate(area.bottom + style.captionHeight + style.captionExcess),
+            ToCoordinate(right)};
+}
+
+// Each goes on to the next object's, or to the page's edge.
+std::vector<Rect> CaptionsInRows(const std::vector<Rect>& objects, SInt16 pageWidth,
+                                 const PageStyle& style)
+{
+    std::vector<Rect> captions;
+    for (size_t i = 0; i < objects.size(); ++i) {
+        const Rect& area = objects[i];
+        const bool hasNeighbour = i + 1 < objects.size() && objects[i + 1].top == area.top &&
+                                  objects[i + 1].left > area.left;
+        const SInt32 right = hasNeighbour
+                                 ? objects[i + 1].left - style.gap
+                                 : std::max(pageWidth - style.margin, area.left + style.leastWidth);
+        captions.push_back(CaptionBelow(area, area.left, right, style));
+    }
+    return captions;
+}
+
 } // namespace
 
 PageStyle StyleWithText()
@@ -86,6 +110,7 @@ PageStyle StyleWithText()
     style.leastWidth = 176;
     style.background = 0xF4;
     style.paragraphGap = 10;
+    style.captionExcess = 12;
     return style;
 }
 
@@ -105,7 +130,33 @@ PagePlaces LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth, cons
         places.objects.push_back(rows.PlaceObject(area));
     }
     placeParagraphs();
+    places.captions = CaptionsInRows(places.objects, pageWidth, style);
     return places;
+}
+
+PagePlaces LayOutInMiddle(AreaSize area, AreaSize page, const PageStyle& style)
+{
+    const int left = std::max<int>(style.margin, (page.width - area.width) / 2);
+    const int top =
+        std::max<int>(style.margin, (page.height - area.height - style.captionHeight) / 2);
+    const Rect place = {ToCoordinate(top), ToCoordinate(left), ToCoordinate(top + area.height),
+                        ToCoordinate(left + area.width)};
+    return {{place}, {CaptionBelow(place, style.margin, page.width - style.margin, style)}, {}};
+}
+
+AreaSize RoomForOne(AreaSize page, const PageStyle& style)
+{
+    const auto room = [](int length) { return ToCoordinate(std::max(1, length)); };
+    return {room(page.width - 2 * style.margin),
+            room(page.height - 2 * style.margin - style.captionHeight)};
+}
+
+double ZoomToFit(AreaSize picture, AreaSize room)
+{
+    const auto fit = [](SInt16 length, SInt16 most) {
+        return static_cast<double>(std::max<SInt16>(1, most)) / std::max<SInt16>(1, length);
+    };
+    return std::min(fit(picture.width, room.width), fit(picture.height, room.height));
 }
 
 AreaSize AreaForPicture(AreaSize natural, UInt32 displayFlags, SInt16 pageWidth)

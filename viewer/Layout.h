@@ -32,6 +32,7 @@ struct PageStyle {
     SInt16 leastWidth = 0;    // of an object with its caption
     UInt8 background = 0xFF;  // a grey
     SInt16 paragraphGap = 0;  // between paragraphs
+    SInt16 captionExcess = 0; // what a long caption takes of the space below it
 };
 
 // How a page looks with paragraphs, or with captions below its objects.
@@ -46,6 +47,7 @@ struct ParagraphSpace {
 // In the order in which they were given.
 struct PagePlaces {
     std::vector<Rect> objects;
+    std::vector<Rect> captions; // as wide as what stands beside them lets them be
     std::vector<Rect> paragraphs;
 };
 
@@ -55,6 +57,14 @@ struct PagePlaces {
 PagePlaces LayOutRows(const std::vector<AreaSize>& areas, SInt16 pageWidth,
                       const PageStyle& style = {},
                       const std::vector<ParagraphSpace>& paragraphs = {});
+
+// Puts the only area into the page's middle; what is larger than the page begins at its edges. The
+// caption is as wide as the page.
+PagePlaces LayOutInMiddle(AreaSize area, AreaSize page, const PageStyle& style);
+// What a page of that size has for its only object.
+AreaSize RoomForOne(AreaSize page, const PageStyle& style);
+// How much a picture is enlarged or reduced to be as large as the room lets it be.
+double ZoomToFit(AreaSize picture, AreaSize room);
 
 // The area that a picture of that size gets: its own size, or less if it is wider than the page
 // and its display flags let it shrink (kVornDisplayScale), then in proportion if they say so

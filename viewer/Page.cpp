@@ -51,9 +51,7 @@ std::vector<EmbeddedObject*> Page::Replace(const EmbeddedObject& object, PageCon
     const auto found = std::find_if(objects_.begin(), objects_.end(),
                                     [&](const auto& each) { return each.get() == &object; });
     const auto place = static_cast<size_t>(found - objects_.begin());
-    if (!IsEmpty(object.Area())) {
-        Wipe(Surroundings(object.Area()));
-    }
+    WipeOldPlace(object, {}, {});
     if (shape_.alone == &object) {
         shape_.alone = nullptr;
     }
@@ -137,36 +135,50 @@ void Page::ObserveObjects()
 // What moved is wiped out at its old place first, because something else may stand there now.
 void Page::LayOut()
 {
-    const auto [rects, textRects] = Place();
+    const PagePlaces places = Place();
     FitPort();
     for (size_t i = 0; i < objects_.size(); ++i) {
-        const Rect& area = objects_[i]->Area();
-        if (!IsEmpty(area) && EqualRect(&area, &rects[i]) == 0) {
-            Wipe(Surroundings(area));
-        }
+        WipeOldPlace(*objects_[i], places.objects[i], places.captions[i]);
     }
-    for (const Rect& area : texts_.Move(textRects)) {
+    for (const Rect& area : texts_.Move(places.paragraphs)) {
         Wipe(area);
     }
     for (size_t i = 0; i < objects_.size(); ++i) {
-        MoveObject(*objects_[i], rects[i]);
+        MoveObject(*objects_[i], places.objects[i]);
+        objects_[i]->SetCaptionArea(places.captions[i]);
     }
     laidOut_ = true;
     ++layouts_;
 }
 
+void Page::WipeOldPlace(const EmbeddedObject& object, const Rect& area, const Rect& caption)
+{
+    if (!IsEmpty(object.Area()) && EqualRect(&object.Area(), &area) == 0) {
+        Wipe(Surroundings(object.Area()));
+    }
+    if (!IsEmpty(object.CaptionArea()) && EqualRect(&object.CaptionArea(), &caption) == 0) {
+        Wipe(object.CaptionArea());
+    }
+}
+
 PagePlaces Page::Place()
 {
-    PagePlaces places;
     contentHeight_ = 0;
     if (shape_.alone != nullptr) {
         const auto found = std::find_if(objects_.begin(), objects_.end(), [&](const auto& each) {
             return each.get() == shape_.alone;
         });
+        PagePlaces places;
         places.objects.resize(objects_.size());
+        places.captions.resize(objects_.size());
         places.objects[static_cast<size_t>(found - objects_.begin())] = PlaceAlone(**found);
         return places;
     }
+    return HasObjectInMiddle() ? PlaceInMiddle(*objects_.front()) : PlaceAll();
+}
+
+PagePlaces Page::PlaceAll()
+{
     std::vector<AreaSize> areas;
     const auto inner = static_cast<SInt16>(std::max(1, width_ - 2 * style_.margin));
     for (const auto& object : objects_) {
@@ -174,18 +186,52 @@ PagePlaces Page::Place()
     }
     PageStyle style = style_;
     style.paragraphGap = Zoomed({style.paragraphGap, 0}, shape_.zoom).width;
-    places = LayOutRows(areas, width_, style, texts_.Spaces(inner, shape_.zoom));
-    const auto holdUpTo = [this](int end) {
-        contentHeight_ =
-            static_cast<SInt16>(std::clamp<int>(end + style_.margin, contentHeight_, INT16_MAX));
-    };
+    PagePlaces places = LayOutRows(areas, width_, style, texts_.Spaces(inner, shape_.zoom));
     for (const Rect& rect : places.objects) {
-        holdUpTo(rect.bottom + style_.captionHeight);
+        HoldUpTo(rect.bottom + style_.captionHeight);
     }
     for (const Rect& rect : places.paragraphs) {
-        holdUpTo(rect.bottom);
+        HoldUpTo(rect.bottom);
     }
     return places;
+}
+
+bool Page::HasObjectInMiddle() const
+{
+    return shape_.single != Single::kInRow && shape_.alone == nullptr && objects_.size() == 1 &&
+           texts_.Blocks().empty();
+}
+
+double Page::Zoom() const
+{
+    if (!HasObjectInMiddle() || shape_.single != Single::kFitted) {
+        return shape_.zoom;
+    }
+    const EmbeddedObject& object = *objects_.front();
+    if (!object.HasDimensions() || !object.MayScale()) {
+        return shape_.zoom;
+    }
+    const AreaSize room = RoomForOne({shape_.width, shape_.height}, style_);
+    const auto rows = static_cast<SInt16>(-object.RowsOfController());
+    return ZoomToFit(object.PictureSize(), WithRows(room, rows));
+}
+
+PagePlaces Page::PlaceInMiddle(EmbeddedObject& object)
+{
+    const AreaSize window = {shape_.width, shape_.height};
+    const double zoom = Zoom();
+    object.SetEnlarged(zoom > 1);
+    const AreaSize area = object.WantedArea(RoomForOne(window, style_).width, zoom);
+    const PagePlaces places = LayOutInMiddle(area, window, style_);
+    HoldUpTo(places.objects[0].bottom + style_.captionHeight);
+    return places;
+}
+
+// The page ends there, or further below.
+void Page::HoldUpTo(int end)
+{
+    contentHeight_ =
+        static_cast<SInt16>(std::clamp<int>(end + style_.margin, contentHeight_, INT16_MAX));
 }
 
 // As large as the window lets it be, in proportion, in its middle.
@@ -195,8 +241,8 @@ Rect Page::PlaceAlone(const EmbeddedObject& object) const
     if (!object.IsSoundOnly()) {
         const SInt16 rows = object.RowsOfController();
         const AreaSize picture = object.PictureSize();
-        const double zoom = std::min(static_cast<double>(shape_.width) / picture.width,
-                                     static_cast<double>(shape_.height - rows) / picture.height);
+        const auto height = static_cast<SInt16>(shape_.height - rows);
+        const double zoom = ZoomToFit(picture, {shape_.width, height});
         size = WithRows(Zoomed(picture, zoom), rows);
     }
     const int left = (shape_.width - size.width) / 2;
@@ -219,15 +265,13 @@ void Page::FitPort()
     }
 }
 
-// An area with its caption and what may mark it.
+// An area with what may mark it.
 Rect Page::Surroundings(const Rect& area) const
 {
     const int around = std::min(style_.gap / 2, style_.margin / 2);
-    const int caption = style_.captionHeight;
-    const int right = std::max(area.right + around, area.left + style_.leastWidth);
     return {static_cast<SInt16>(area.top - around), static_cast<SInt16>(area.left - around),
-            static_cast<SInt16>(std::min(area.bottom + around + caption, INT16_MAX)),
-            static_cast<SInt16>(std::min(right, INT16_MAX))};
+            static_cast<SInt16>(std::min(area.bottom + around, INT16_MAX)),
+            static_cast<SInt16>(std::min(area.right + around, INT16_MAX))};
 }
 
 void Page::SetStyle(const PageStyle& style, Height height)
@@ -247,6 +291,7 @@ void Page::Reshape(const Shape& shape)
     texts_.Forget();
     for (const auto& object : objects_) {
         object->SetArea({});
+        object->SetCaptionArea({});
         object->SetEnlarged(shape.zoom > 1 || shape.alone == object.get());
     }
 }

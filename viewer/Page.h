@@ -75,6 +75,9 @@ public:
     enum class Height { kStays, kGrows };
     void SetStyle(const PageStyle& style, Height height);
     const PageStyle& Style() const { return style_; }
+    // How an object stands on a page that has no other, and no text: in its row, in the window's
+    // middle, or there and as large as the window lets it be.
+    enum class Single { kInRow, kInMiddle, kFitted };
     // The size of the window, how much the objects are enlarged, and the only one that is shown,
     // as large as the window (null: all are).
     struct Shape {
@@ -82,9 +85,14 @@ public:
         SInt16 height = 0;
         double zoom = 1;
         const EmbeddedObject* alone = nullptr;
+        Single single = Single::kInRow;
         bool operator==(const Shape&) const = default;
     };
     const Shape& CurrentShape() const { return shape_; }
+    // How much the objects are enlarged: the shape's zoom, or what makes the only one fit.
+    double Zoom() const;
+    // The page's only object stands in its middle.
+    bool HasObjectInMiddle() const;
     void Reshape(const Shape& shape);
     // How often objects were given their places.
     int CountLayouts() const { return layouts_; }
@@ -106,9 +114,13 @@ public:
 private:
     void LayOut();
     PagePlaces Place();
+    PagePlaces PlaceAll();
+    PagePlaces PlaceInMiddle(EmbeddedObject& object);
     Rect PlaceAlone(const EmbeddedObject& object) const;
+    void HoldUpTo(int end);
     void FitPort();
     Rect Surroundings(const Rect& area) const;
+    void WipeOldPlace(const EmbeddedObject& object, const Rect& area, const Rect& caption);
     void MoveObject(EmbeddedObject& object, const Rect& area);
     void DrawNewRows();
     void Display(EmbeddedObject& object, const Rect& clip);

@@ -46,7 +46,8 @@ TEST(Layout, AnObjectWiderThanThePageHasARowOfItsOwn)
 
 TEST(Layout, AParagraphStandsAboveTheObjectThatFollowsItAndBelowTheOneBefore)
 {
-    const auto [objects, paragraphs] = LayOutRows({{100, 50}, {100, 80}}, 800, {}, {{1, 30}});
+    const auto [objects, captions, paragraphs] =
+        LayOutRows({{100, 50}, {100, 80}}, 800, {}, {{1, 30}});
     EXPECT_EQ(Sides(objects[0]), (std::vector<int>{0, 0, 50, 100}));
     EXPECT_EQ(Sides(paragraphs[0]), (std::vector<int>{58, 0, 88, 800}));
     EXPECT_EQ(Sides(objects[1]), (std::vector<int>{96, 0, 176, 100}));
@@ -55,7 +56,8 @@ TEST(Layout, AParagraphStandsAboveTheObjectThatFollowsItAndBelowTheOneBefore)
 TEST(Layout, ParagraphsKeepTheirOwnDistanceAndThePagesMargin)
 {
     const viewer::PageStyle style = {10, 8, 0, 0, 0xFF, 5};
-    const auto [objects, paragraphs] = LayOutRows({{100, 50}}, 800, style, {{0, 30}, {0, 20}});
+    const auto [objects, captions, paragraphs] =
+        LayOutRows({{100, 50}}, 800, style, {{0, 30}, {0, 20}});
     EXPECT_EQ(Sides(paragraphs[0]), (std::vector<int>{10, 10, 40, 790}));
     EXPECT_EQ(Sides(paragraphs[1]), (std::vector<int>{45, 10, 65, 790}));
     EXPECT_EQ(Sides(objects[0]), (std::vector<int>{73, 10, 123, 110}));
@@ -70,14 +72,14 @@ TEST(Layout, AParagraphStandsBelowTheCaptionsOfTheHighestObjectBefore)
 
 TEST(Layout, APageOfParagraphsAloneHasThemAll)
 {
-    const auto [objects, paragraphs] = LayOutRows({}, 800, {}, {{0, 30}, {0, 20}});
+    const auto [objects, captions, paragraphs] = LayOutRows({}, 800, {}, {{0, 30}, {0, 20}});
     EXPECT_TRUE(objects.empty());
     EXPECT_EQ(paragraphs.size(), 2U);
 }
 
 TEST(Layout, WhatStandsBehindAParagraphWithoutEndIsCutOff)
 {
-    const auto [objects, paragraphs] = LayOutRows({{100, 50}}, 800, {}, {{0, 2'000'000}});
+    const auto [objects, captions, paragraphs] = LayOutRows({{100, 50}}, 800, {}, {{0, 2'000'000}});
     EXPECT_EQ(paragraphs[0].bottom, 32767);
     EXPECT_EQ(Sides(objects[0]), (std::vector<int>{32767, 0, 32767, 100}));
 }

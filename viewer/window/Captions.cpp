@@ -18,6 +18,7 @@ constexpr SInt16 kInset = 10;
 constexpr int kNameHeight = 13;
 constexpr int kDetailsHeight = 11;
 constexpr int kLineHeight = 15;
+constexpr size_t kMostProblemLines = 2; // of a caption
 constexpr SInt32 kNameBaseline = 19;
 constexpr SInt32 kDetailsBaseline = 34;
 
@@ -36,6 +37,11 @@ Rect Outset(const Rect& rect, int by)
             static_cast<SInt16>(rect.bottom + by), static_cast<SInt16>(rect.right + by)};
 }
 
+int WidthOf(const Rect& rect)
+{
+    return rect.right - rect.left;
+}
+
 } // namespace
 
 void Captions::Update(const EmbeddedObject* focus)
@@ -51,7 +57,7 @@ void Captions::Update(const EmbeddedObject* focus)
     for (size_t i = 0; i < objects.size(); ++i) {
         Caption caption = Describe(*objects[i], focus);
         if (!(caption == drawn_[i])) {
-            Draw(caption, objects[i]->Area());
+            Draw(caption, *objects[i]);
             drawn_[i] = std::move(caption);
         }
     }
@@ -61,7 +67,7 @@ Captions::Caption Captions::Describe(EmbeddedObject& object, const EmbeddedObjec
 {
     Caption caption;
     caption.name = NameToShow(object.Name(), object.FileName());
-    caption.details = Join(DescribeState(object), WidthFor(object.Area()));
+    caption.details = Join(DescribeState(object), WidthOf(object.CaptionArea()));
     caption.problem = object.Problem();
     caption.isFocused = &object == focus;
     caption.isPlaceholder = !object.HasDimensions();
@@ -86,34 +92,52 @@ std::string Captions::Join(const std::vector<std::string>& parts, int width)
     return text;
 }
 
-int Captions::WidthFor(const Rect& area) const
+// In lines, of which the last tells if there would be more.
+std::vector<std::string> Captions::Folded(const std::string& text, int width, size_t mostLines)
 {
-    return std::max<int>(area.right - area.left, page_.Style().leastWidth);
+    std::vector<std::string> lines = text_.Wrapped(text, kDetailsHeight, width);
+    if (lines.size() > mostLines) {
+        const std::string rest = lines[mostLines - 1] + " " + lines[mostLines];
+        lines.resize(mostLines);
+        lines.back() = text_.Shortened(rest, kDetailsHeight, width);
+    }
+    return lines;
 }
 
-void Captions::Draw(const Caption& caption, const Rect& area)
+void Captions::Draw(const Caption& caption, const EmbeddedObject& object)
 {
-    DrawText(caption, area);
-    DrawFocus(caption, area);
+    DrawText(caption, object.CaptionArea());
+    DrawFocus(caption, object.Area());
     if (caption.isPlaceholder) {
-        DrawInside(caption, area);
+        DrawInside(caption, object.Area());
     }
 }
 
-void Captions::DrawText(const Caption& caption, const Rect& area)
+void Captions::DrawText(const Caption& caption, const Rect& room)
 {
-    const PageStyle& style = page_.Style();
-    const int width = WidthFor(area);
-    const Rect place = {static_cast<SInt16>(area.bottom + kFocusDistance + kFocusWidth), area.left,
-                        static_cast<SInt16>(area.bottom + style.captionHeight),
-                        static_cast<SInt16>(area.left + width)};
+    Rect place = room;
+    place.top = static_cast<SInt16>(room.top + kFocusDistance + kFocusWidth);
     page_.Wipe(place);
     Canvas canvas = CanvasOn(page_, place);
-    text_.Write(canvas, area.left, area.bottom + kNameBaseline,
-                text_.Shortened(caption.name, kNameHeight, width), kNameHeight, kNameInk);
-    text_.Write(canvas, area.left, area.bottom + kDetailsBaseline,
-                text_.Shortened(caption.details, kDetailsHeight, width), kDetailsHeight,
-                caption.problem.empty() ? kDetailsInk : kProblemInk);
+    const int width = WidthOf(room);
+    WriteLine(canvas, room, kNameBaseline, text_.Shortened(caption.name, kNameHeight, width),
+              kNameHeight, kNameInk);
+    const bool isProblem = !caption.problem.empty();
+    SInt32 v = kDetailsBaseline;
+    for (const std::string& line :
+         Folded(caption.details, width, isProblem ? kMostProblemLines : 1)) {
+        WriteLine(canvas, room, v, line, kDetailsHeight, isProblem ? kProblemInk : kDetailsInk);
+        v += kLineHeight;
+    }
+}
+
+// `v`: below the object. Where that stands in the page's middle, so does what is written.
+void Captions::WriteLine(Canvas& canvas, const Rect& room, SInt32 v, const std::string& line,
+                         int height, Ink ink)
+{
+    const SInt32 rest = WidthOf(room) - text_.WidthOf(line, height);
+    const SInt32 left = room.left + (page_.HasObjectInMiddle() ? rest / 2 : 0);
+    text_.Write(canvas, left, room.top + v, line, height, ink);
 }
 
 void Captions::DrawFocus(const Caption& caption, const Rect& area)
@@ -146,7 +170,9 @@ void Captions::DrawInside(const Caption& caption, const Rect& area)
 void Captions::DrawProblem(const Caption& caption, const Rect& area, Canvas& canvas)
 {
     const SInt32 width = area.right - area.left - 2 * kInset;
-    const std::vector<std::string> lines = text_.Wrapped(caption.problem, kDetailsHeight, width);
+    const SInt32 rows = area.bottom - area.top - 2 * kInset;
+    const std::vector<std::string> lines =
+        Folded(caption.problem, width, static_cast<size_t>(std::max(1, rows / kLineHeight)));
     const auto height = static_cast<SInt32>(lines.size()) * kLineHeight;
     SInt32 v = (area.top + area.bottom - height) / 2 + kDetailsHeight;
     for (const std::string& line : lines) {

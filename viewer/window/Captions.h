@@ -34,9 +34,11 @@ private:
     };
     Caption Describe(EmbeddedObject& object, const EmbeddedObject* focus);
     std::string Join(const std::vector<std::string>& parts, int width);
-    int WidthFor(const Rect& area) const;
-    void Draw(const Caption& caption, const Rect& area);
-    void DrawText(const Caption& caption, const Rect& area);
+    std::vector<std::string> Folded(const std::string& text, int width, size_t mostLines);
+    void Draw(const Caption& caption, const EmbeddedObject& object);
+    void DrawText(const Caption& caption, const Rect& room);
+    void WriteLine(Canvas& canvas, const Rect& room, SInt32 v, const std::string& line, int height,
+                   Ink ink);
     void DrawFocus(const Caption& caption, const Rect& area);
     void DrawInside(const Caption& caption, const Rect& area);
     void DrawProblem(const Caption& caption, const Rect& area, Canvas& canvas);

@@ -24,7 +24,7 @@ constexpr Line kLines[] = {
     {"Shift, Ctrl + \u2190 \u2192", "5 seconds, a minute back or on"},
     {"\u2191 \u2193", "volume; scroll where nothing has the focus"},
     {"Page Up, Page Down", "scroll (also Home, End and the wheel)"},
-    {"+  \u2212  0", "enlarge, reduce, own size"},
+    {"+  \u2212  0", "enlarge, reduce, own size or as large as fits"},
     {"Double click, Enter", "full screen"},
     {"Esc", "leave full screen, let the focus go"},
     {"S", "save the object's picture"},

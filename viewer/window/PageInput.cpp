@@ -14,8 +14,6 @@ namespace
 
 constexpr SInt32 kScrollStep = 48;
 constexpr double kZoomStep = 1.25;
-constexpr double kLeastZoom = 0.25;
-constexpr double kMostZoom = 8;
 constexpr UInt32 kMouseMoved = UInt32{kMouseMovedMessage} << 24;
 
 UInt8 CharacterOf(SDL_Keycode key)
@@ -72,31 +70,13 @@ void PageInput::Handle(const SDL_Event& event)
 void PageInput::HandleWindow(const SDL_WindowEvent& event)
 {
     if (event.event == SDL_WINDOWEVENT_SIZE_CHANGED) {
-        FitPage();
+        if (fit_.TakeWindowSize()) {
+            ShowKeys();
+        }
     } else if (event.event == SDL_WINDOWEVENT_EXPOSED) {
         window_.Invalidate();
     } else if (event.event == SDL_WINDOWEVENT_CLOSE) {
         wantsToQuit_ = true;
-    }
-}
-
-void PageInput::FitPage(double zoom)
-{
-    if (window_.TakeSize() && keysAreShown_) {
-        ShowKeys();
-    }
-    Page::Shape shape = page_.CurrentShape();
-    shape.width = window_.Width();
-    shape.height = window_.Height();
-    shape.zoom = zoom;
-    Reshape(shape);
-}
-
-void PageInput::Reshape(Page::Shape shape)
-{
-    if (!(shape == page_.CurrentShape())) {
-        page_.Reshape(shape);
-        window_.Invalidate();
     }
 }
 
@@ -170,7 +150,7 @@ void PageInput::Release(const SDL_MouseButtonEvent& button)
 void PageInput::Roll(const SDL_MouseWheelEvent& wheel)
 {
     if ((SDL_GetModState() & KMOD_CTRL) != 0) {
-        Zoom(wheel.y > 0 ? kZoomStep : 1 / kZoomStep);
+        fit_.ZoomBy(wheel.y > 0 ? kZoomStep : 1 / kZoomStep);
         return;
     }
     wheelRest_ += static_cast<double>(wheel.preciseY) * kScrollStep;
@@ -210,15 +190,15 @@ bool PageInput::HandleCommand(const SDL_Keysym& key)
     case SDLK_PLUS:
     case SDLK_EQUALS:
     case SDLK_KP_PLUS:
-        Zoom(kZoomStep);
+        fit_.ZoomBy(kZoomStep);
         return true;
     case SDLK_MINUS:
     case SDLK_KP_MINUS:
-        Zoom(1 / kZoomStep);
+        fit_.ZoomBy(1 / kZoomStep);
         return true;
     case SDLK_0:
     case SDLK_KP_0:
-        Zoom(1 / page_.CurrentShape().zoom);
+        fit_.ResetZoom();
         return true;
     case SDLK_s:
         wish_ = Wish::kSavePicture;
@@ -328,31 +308,19 @@ void PageInput::Leave()
 
 void PageInput::ShowAlone(EmbeddedObject* object)
 {
-    Page::Shape shape = page_.CurrentShape();
-    if (object == shape.alone || (object != nullptr && !object->HasDimensions())) {
+    if (object == page_.CurrentShape().alone || (object != nullptr && !object->HasDimensions())) {
         return;
     }
     if (object != nullptr) {
         topBeforeAlone_ = window_.Top();
         focus_ = object;
     }
-    window_.SetFullScreen(object != nullptr);
-    shape.alone = object;
-    Reshape(shape);
-    FitPage();
+    if (fit_.ShowAlone(object)) {
+        ShowKeys();
+    }
     page_.DrawChanges();
     window_.SetContentHeight(page_.ContentHeight());
     window_.ScrollTo(object != nullptr ? 0 : topBeforeAlone_);
-}
-
-void PageInput::Zoom(double factor)
-{
-    Page::Shape shape = page_.CurrentShape();
-    shape.zoom = std::clamp(shape.zoom * factor, std::min(kLeastZoom, shape.zoom), kMostZoom);
-    if (std::abs(shape.zoom - 1) < 0.01) {
-        shape.zoom = 1;
-    }
-    Reshape(shape);
 }
 
 void PageInput::ToggleKeys()

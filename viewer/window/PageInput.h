@@ -4,7 +4,7 @@
 #pragma once
 
 #include "viewer/Page.h"
-#include "viewer/window/PageWindow.h"
+#include "viewer/window/WindowFit.h"
 
 #include <optional>
 #include <utility>
@@ -17,7 +17,10 @@ namespace viewer
 class PageInput
 {
 public:
-    PageInput(Page& page, PageWindow& window) : page_(page), window_(window) {}
+    PageInput(Page& page, PageWindow& window, WindowFit& fit)
+        : page_(page), window_(window), fit_(fit)
+    {
+    }
 
     void Handle(const SDL_Event& event);
 
@@ -30,9 +33,6 @@ public:
     EmbeddedObject* TakeSought() { return std::exchange(sought_, nullptr); }
     // The object that S is meant for; null if there is none.
     EmbeddedObject* ObjectToSave() const;
-    // The window has its size; the page follows, its objects enlarged as they are or by that much.
-    void FitPage() { FitPage(page_.CurrentShape().zoom); }
-    void FitPage(double zoom);
 
 private:
     void HandleWindow(const SDL_WindowEvent& event);
@@ -51,14 +51,13 @@ private:
     void Leave();
 
     void ShowAlone(EmbeddedObject* object);
-    void Zoom(double factor);
-    void Reshape(Page::Shape shape);
     void ToggleKeys();
     void ShowKeys();
     EventRecord MakeEvent(UInt16 what, UInt32 message, Point where) const;
 
     Page& page_;
     PageWindow& window_;
+    WindowFit& fit_;
     EmbeddedObject* focus_ = nullptr;
     EmbeddedObject* pressed_ = nullptr; // takes motion and release
     EmbeddedObject* sought_ = nullptr;

@@ -49,14 +49,13 @@ std::string TitleOf(const Options& options)
     return name + (others == 0 ? "" : " and " + std::to_string(others) + " more") + " - vornview";
 }
 
-// Unless the user counts on the page's size, or on places on it.
-bool MayFitWindow(const Options& options)
+bool CountsOnPlaces(const Options& options)
 {
     const auto isClick = [](const UserEvent& event) {
         return event.kind == UserEvent::Kind::kClick;
     };
-    return !options.sizeIsGiven && options.snapshots.empty() &&
-           std::none_of(options.events.begin(), options.events.end(), isClick);
+    return !options.snapshots.empty() ||
+           std::any_of(options.events.begin(), options.events.end(), isClick);
 }
 
 } // namespace
@@ -66,13 +65,15 @@ WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
       wakeEvent_(SDL_RegisterEvents(1)), watch_(wakeEvent_),
       sound_(options.wavPath.empty() ? std::make_unique<SoundDevice>() : nullptr),
       work_(options, plugins, *this), captions_(work_.ThePage()), paragraphs_(work_.ThePage()),
-      input_(work_.ThePage(), window_), saver_(work_.ThePage(), options.picturesFolder),
-      notice_(window_), snapshots_(options.snapshots), mayFitWindow_(MayFitWindow(options))
+      fit_(work_.ThePage(), window_, !CountsOnPlaces(options)),
+      input_(work_.ThePage(), window_, fit_), saver_(work_.ThePage(), options.picturesFolder),
+      notice_(window_), snapshots_(options.snapshots),
+      mayFitWindow_(!options.sizeIsGiven && !CountsOnPlaces(options))
 {
     Page& page = work_.ThePage();
     page.SetStyle(StyleWithText(), Page::Height::kGrows);
     page.SetIdleRhythm(IdleRhythm::Kind::kSlackening);
-    input_.FitPage();
+    fit_.Open(mayFitWindow_ ? Page::Single::kInMiddle : Page::Single::kInRow, 1);
     gWatch = &watch_;
     SetStopAlarm(WakeWatch);
 }
@@ -208,7 +209,7 @@ void WindowRun::FitWindow()
         OpeningSizeFor(object.NaturalSize(), object.RowsOfController(), object.MayScale(),
                        window_.RoomOnScreen(), page.Style());
     window_.Resize(opening.window);
-    input_.FitPage(opening.zoom);
+    fit_.Open(Page::Single::kInMiddle, opening.zoom);
 }
 
 bool WindowRun::IsOver() const

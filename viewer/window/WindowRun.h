@@ -12,6 +12,7 @@
 #include "viewer/window/PictureSaver.h"
 #include "viewer/window/SoundDevice.h"
 #include "viewer/window/StreamWatch.h"
+#include "viewer/window/WindowFit.h"
 
 namespace viewer
 {
@@ -56,6 +57,7 @@ private:
     PageWork work_;
     Captions captions_;
     Paragraphs paragraphs_;
+    WindowFit fit_;
     PageInput input_;
     PictureSaver saver_;
     Notice notice_;
