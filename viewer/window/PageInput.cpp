@@ -34,6 +34,15 @@ UInt8 CharacterOf(SDL_Keycode key)
     }
 }
 
+// What a key that is held down does again and again: what goes on by steps.
+bool MayRepeat(SDL_Keycode key)
+{
+    constexpr SDL_Keycode kSteps[] = {SDLK_LEFT,    SDLK_RIGHT,    SDLK_UP,       SDLK_DOWN,
+                                      SDLK_PAGEUP,  SDLK_PAGEDOWN, SDLK_PLUS,     SDLK_EQUALS,
+                                      SDLK_KP_PLUS, SDLK_MINUS,    SDLK_KP_MINUS, SDLK_TAB};
+    return std::find(std::begin(kSteps), std::end(kSteps), key) != std::end(kSteps);
+}
+
 } // namespace
 
 void PageInput::Handle(const SDL_Event& event)
@@ -58,8 +67,8 @@ void PageInput::Handle(const SDL_Event& event)
         Roll(event.wheel);
         break;
     case SDL_KEYDOWN:
-        if (event.key.repeat == 0 || !HandleCommand(event.key.keysym)) {
-            HandleKey(event.key.keysym);
+        if (event.key.repeat == 0 || MayRepeat(event.key.keysym.sym)) {
+            HandleKey(event.key.keysym, event.key.repeat != 0);
         }
         break;
     default:
@@ -159,9 +168,9 @@ void PageInput::Roll(const SDL_MouseWheelEvent& wheel)
     window_.ScrollTo(window_.Top() - pixels);
 }
 
-void PageInput::HandleKey(const SDL_Keysym& key)
+void PageInput::HandleKey(const SDL_Keysym& key, bool isRepeated)
 {
-    if (HandleCommand(key) || OfferKey(key.sym, false)) {
+    if (HandleCommand(key) || OfferKey(key.sym, isRepeated)) {
         return;
     }
     HandleScrolling(key.sym);

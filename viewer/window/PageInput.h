@@ -41,7 +41,7 @@ private:
     void Release(const SDL_MouseButtonEvent& button);
     void Roll(const SDL_MouseWheelEvent& wheel);
 
-    void HandleKey(const SDL_Keysym& key);
+    void HandleKey(const SDL_Keysym& key, bool isRepeated);
     bool HandleCommand(const SDL_Keysym& key);
     bool HandleScrolling(SDL_Keycode key);
     bool OfferKey(SDL_Keycode key, bool isRepeated);
