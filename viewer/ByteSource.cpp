@@ -11,6 +11,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace viewer
 {
@@ -90,6 +91,20 @@ std::unique_ptr<ByteSource> OpenSource(const std::string& location)
         throw TooLargeFailure();
     }
     return std::make_unique<FileSource>(std::move(file), static_cast<SInt32>(status.st_size));
+}
+
+bool MayBeOpened(const std::string& location)
+{
+    if (location == "-" || IsHttpUrl(location)) {
+        return true;
+    }
+    struct stat status {
+    };
+    if (stat(location.c_str(), &status) != 0 || access(location.c_str(), R_OK) != 0) {
+        return false;
+    }
+    const bool isTooLarge = S_ISREG(status.st_mode) && status.st_size >= kObjectSizeLimit;
+    return !S_ISDIR(status.st_mode) && !isTooLarge;
 }
 
 } // namespace viewer

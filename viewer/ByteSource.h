@@ -65,5 +65,8 @@ private:
 // A regular file, a FIFO or another stream by its path, or what is at an http or https URL; "-" is
 // standard input. Throws SourceFailure, and PartMissing for a URL.
 std::unique_ptr<ByteSource> OpenSource(const std::string& location);
+// False for a file that OpenSource would refuse. Nothing is opened: a FIFO's writer would lose its
+// reader.
+bool MayBeOpened(const std::string& location);
 
 } // namespace viewer

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "viewer/Viewer.h"
 
+#include "viewer/ByteSource.h"
 #include "viewer/Console.h"
 #include "viewer/FileLimit.h"
 #include "viewer/FolderObjects.h"
@@ -100,9 +101,16 @@ Outcome RunHeadless(const Options& options, const PluginFolder& plugins)
     return {std::move(report), run.OutputFailed()};
 }
 
+// A window would show nothing but what is told without one.
+bool HasNothingToShow(const Options& options)
+{
+    return std::none_of(options.objects.begin(), options.objects.end(),
+                        [](const ObjectRequest& each) { return MayBeOpened(each.location); });
+}
+
 Outcome RunPage(const Options& options, const PluginFolder& plugins)
 {
-    if (options.headless) {
+    if (options.headless || HasNothingToShow(options)) {
         return RunHeadless(options, plugins);
     }
     try {

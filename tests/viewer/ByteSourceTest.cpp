@@ -60,6 +60,27 @@ TEST(FileSource, AFolderIsNoObject)
     EXPECT_EQ(ErrorOfOpening(folder.Path(".")), ioErr);
 }
 
+TEST(ByteSource, WhatWouldBeRefusedIsKnownBeforeItIsOpened)
+{
+    const TestFolder folder;
+    const std::string large = folder.Write("large", "");
+    ASSERT_EQ(truncate(large.c_str(), off_t{1} << 31), 0);
+    EXPECT_FALSE(viewer::MayBeOpened(large));
+    EXPECT_FALSE(viewer::MayBeOpened(folder.Path("nothing")));
+    EXPECT_FALSE(viewer::MayBeOpened(folder.Path(".")));
+    EXPECT_TRUE(viewer::MayBeOpened(folder.Write("clip", Pattern(1000))));
+    EXPECT_TRUE(viewer::MayBeOpened("-"));
+    EXPECT_TRUE(viewer::MayBeOpened("http://127.0.0.1:1/clip"));
+}
+
+TEST(ByteSource, AFifoIsNotOpenedToKnowThatItMayBe)
+{
+    const TestFolder folder;
+    const std::string path = folder.Path("fifo");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    EXPECT_TRUE(viewer::MayBeOpened(path)); // would wait for a writer
+}
+
 TEST(FileSource, TheLargestObjectIsOneByteShortOf2GiB)
 {
     const TestFolder folder;

@@ -293,31 +293,6 @@ TEST_F(WindowEndToEnd, AWordOnTheScreenTellsOfASavedPictureForAWhile)
     EXPECT_TRUE(window.WaitUntil([&](const Screenshot& shot) { return shot == before; }));
 }
 
-TEST_F(WindowEndToEnd, WhatCannotBeShownSaysSoInItsPlaceAndTheRestGoesOn)
-{
-    const TestFolder folder;
-    const std::string bad = folder.Write("bad.mpg", std::string(3000, 'x'));
-    RunningWindow window(*screen, {bad, Clip("silent.mpg")});
-    const auto hasRedText = [](const Screenshot& shot) {
-        for (int y = kMargin; y < kMargin + 120; ++y) {
-            for (int x = kMargin; x < kMargin + 160; ++x) {
-                if (shot.At(x, y) == 0xA03A32) {
-                    return true;
-                }
-            }
-        }
-        return false;
-    };
-    const auto showsOther = [](const Screenshot& shot) {
-        return (shot.At(kMargin + 176 + 20 + 10, kMargin + 80) >> 16) > 0xE0 &&
-               (shot.At(kMargin + 176 + 20 + 10, kMargin + 80) & 0xFFFF) < 0x2020;
-    };
-    EXPECT_TRUE(window.WaitUntil(
-        [&](const Screenshot& shot) { return hasRedText(shot) && showsOther(shot); }));
-    window.Do("key q");
-    EXPECT_EQ(window.WaitForEnd().status, 1);
-}
-
 TEST_F(WindowEndToEnd, AStreamThatStandsStillDoesNotStopThePage)
 {
     const TestFolder folder;
