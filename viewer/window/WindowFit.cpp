@@ -14,20 +14,23 @@ constexpr double kMostZoom = 8;
 
 } // namespace
 
-void WindowFit::Open(Page::Single single, double zoom)
+void WindowFit::Open(AreaSize asked, Page::Single single, double zoom)
 {
     Page::Shape shape = page_.CurrentShape();
-    TakeSize(shape);
     shape.zoom = zoom;
     shape.single = single;
-    ownSize_ = {shape.width, shape.height};
-    Reshape(shape);
+    ownSize_ = asked;
+    Follow(shape);
+}
+
+bool WindowFit::TakeWindowSize()
+{
+    return Follow(page_.CurrentShape());
 }
 
 // A window that comes back from the full screen has the size that it had before.
-bool WindowFit::TakeWindowSize()
+bool WindowFit::Follow(Page::Shape shape)
 {
-    Page::Shape shape = page_.CurrentShape();
     const bool isOther = TakeSize(shape);
     if (shape.alone == nullptr &&
         (shape.width != ownSize_.width || shape.height != ownSize_.height)) {

@@ -20,8 +20,8 @@ public:
     {
     }
 
-    // The window has the size that it opens with.
-    void Open(Page::Single single, double zoom);
+    // The window opens, with the size that was asked for unless the screen gives it another.
+    void Open(AreaSize asked, Page::Single single, double zoom);
     // The window may have another size. False if it is the same.
     bool TakeWindowSize();
     // Shows an object alone, as large as the screen; null: all of them again. False if the window
@@ -32,6 +32,7 @@ public:
     void ResetZoom();
 
 private:
+    bool Follow(Page::Shape shape);
     bool TakeSize(Page::Shape& shape);
     void Reshape(const Page::Shape& shape);
 

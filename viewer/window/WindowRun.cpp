@@ -73,7 +73,8 @@ WindowRun::WindowRun(const Options& options, const PluginFolder& plugins)
     Page& page = work_.ThePage();
     page.SetStyle(StyleWithText(), Page::Height::kGrows);
     page.SetIdleRhythm(IdleRhythm::Kind::kSlackening);
-    fit_.Open(mayFitWindow_ ? Page::Single::kInMiddle : Page::Single::kInRow, 1);
+    fit_.Open({options.width, options.height},
+              mayFitWindow_ ? Page::Single::kInMiddle : Page::Single::kInRow, 1);
     gWatch = &watch_;
     SetStopAlarm(WakeWatch);
 }
@@ -209,7 +210,7 @@ void WindowRun::FitWindow()
         OpeningSizeFor(object.NaturalSize(), object.RowsOfController(), object.MayScale(),
                        window_.RoomOnScreen(), page.Style());
     window_.Resize(opening.window);
-    fit_.Open(Page::Single::kInMiddle, opening.zoom);
+    fit_.Open(opening.window, Page::Single::kInMiddle, opening.zoom);
 }
 
 bool WindowRun::IsOver() const

@@ -72,7 +72,7 @@ TEST_F(PageInputTest, ThePlusKeyEnlargesAsLongAsItIsHeldDown)
 
 TEST_F(PageInputTest, TheZeroKeyThatIsHeldDownDoesNotGoToAndFro)
 {
-    fit.Open(viewer::Page::Single::kFitted, 1);
+    fit.Open({300, 200}, viewer::Page::Single::kFitted, 1);
     Press(SDLK_0);
     const viewer::Page::Shape once = page.CurrentShape();
     Repeat(SDLK_0);

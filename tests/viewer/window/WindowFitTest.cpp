@@ -21,7 +21,7 @@ protected:
     WindowFitTest()
     {
         page.SetStyle({kMargin, 8, kCaption, 0, 0xF4}, viewer::Page::Height::kGrows);
-        fit.Open(Single::kInMiddle, 1);
+        fit.Open({300, 200}, Single::kInMiddle, 1);
     }
     // Its picture is 100 by 33 pixels large.
     EmbeddedObject& AddShown(const std::string& name)
@@ -127,7 +127,7 @@ TEST_F(WindowFitTest, AfterZoomingByHandAResetFitsAndASecondOneShowsItsOwnSize)
 TEST_F(WindowFitTest, WhereItOpenedEnlargedAResetShowsItsOwnSize)
 {
     const EmbeddedObject& object = AddShown("a");
-    fit.Open(Single::kInMiddle, 2);
+    fit.Open({300, 200}, Single::kInMiddle, 2);
     fit.ResetZoom();
     page.DrawChanges();
     EXPECT_EQ(WidthOf(object), 100);
@@ -158,10 +158,19 @@ TEST_F(WindowFitTest, ComingBackFromTheFullScreenIsNoNewSize)
 TEST_F(WindowFitTest, WhatStandsInARowBeginsToFollowWhenTheWindowChanges)
 {
     const EmbeddedObject& object = AddShown("a");
-    fit.Open(Single::kInRow, 1);
+    fit.Open({300, 200}, Single::kInRow, 1);
     page.DrawChanges();
     EXPECT_EQ(object.Area().left, kMargin);
     Resize(2 * kMargin + 200, 300);
+    EXPECT_EQ(WidthOf(object), 200);
+}
+
+TEST_F(WindowFitTest, AScreenThatGivesAnotherSizeThanWasAskedForIsFollowedAtOnce)
+{
+    const EmbeddedObject& object = AddShown("a");
+    SetSize(2 * kMargin + 200, 300);
+    fit.Open({300, 200}, Single::kInMiddle, 1);
+    page.DrawChanges();
     EXPECT_EQ(WidthOf(object), 200);
 }
 
@@ -169,7 +178,7 @@ TEST_F(WindowFitTest, PlacesThatSomebodyCountsOnStay)
 {
     const EmbeddedObject& object = AddShown("a");
     viewer::WindowFit still(page, window, false);
-    still.Open(Single::kInRow, 1);
+    still.Open({300, 200}, Single::kInRow, 1);
     SetSize(500, 400);
     still.TakeWindowSize();
     still.ResetZoom();
