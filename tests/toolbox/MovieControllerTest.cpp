@@ -26,6 +26,59 @@ TEST(MovieController, LeavesEventsOutsideItToOthers)
     EXPECT_FALSE(page.Statistics().playing);
 }
 
+class ControllerOfAPausedMovie : public testing::Test
+{
+protected:
+    ControllerOfAPausedMovie()
+    {
+        page.OpenAll();
+        page.IdleUntilNothingIsPending();
+    }
+
+    bool Keyboard(UInt16 what, char code)
+    {
+        EventRecord event{};
+        event.what = what;
+        event.message = static_cast<UInt8>(code);
+        return MCIsPlayerEvent(page.controller, &event) == 1;
+    }
+
+    OpenedMovie page{Clip("mpeg1.mpg")};
+};
+
+TEST_F(ControllerOfAPausedMovie, StepsOnForAsLongAsAnArrowIsHeld)
+{
+    ASSERT_TRUE(Keyboard(keyDown, kRightArrowCharCode));
+    const double first = page.Statistics().timeSeconds;
+    EXPECT_TRUE(Keyboard(autoKey, kRightArrowCharCode));
+    EXPECT_GT(page.Statistics().timeSeconds, first);
+}
+
+TEST_F(ControllerOfAPausedMovie, LeavesTheReleaseOfAKeyToOthers)
+{
+    EXPECT_FALSE(Keyboard(keyUp, kSpaceCharCode));
+    EXPECT_FALSE(page.Statistics().playing);
+}
+
+TEST_F(ControllerOfAPausedMovie, LeavesThePointersMovesToOthersUnlessItsThumbIsHeld)
+{
+    const Rect bar = page.Bar();
+    const auto move = [&] { return page.Mouse(osEvt, bar.left + 100, bar.top + 8); };
+    EXPECT_FALSE(move());
+    ASSERT_TRUE(page.Mouse(mouseDown, bar.left + 60, bar.top + 8));
+    EXPECT_TRUE(move());
+    ASSERT_TRUE(page.Mouse(mouseUp, bar.left + 100, bar.top + 8));
+    EXPECT_FALSE(move());
+}
+
+TEST_F(ControllerOfAPausedMovie, LetsItsThumbGoWhereverTheButtonIsReleased)
+{
+    const Rect bar = page.Bar();
+    ASSERT_TRUE(page.Mouse(mouseDown, bar.left + 60, bar.top + 8));
+    EXPECT_TRUE(page.Mouse(mouseUp, bar.right + 10, bar.bottom + 10));
+    EXPECT_FALSE(page.Mouse(osEvt, bar.left + 100, bar.top + 8));
+}
+
 // Events tell of places on the screen.
 class InAWindowBesideTheCorner : public testing::Test
 {

@@ -209,4 +209,22 @@ TEST(HeardMovie, TellsTheSinkHowLoudItIsAndLeavesTheFramesAlone)
     EXPECT_EQ(movie.Sound(), SoundOf("mpeg1.mpg"));
 }
 
+TEST(HeardMovie, IsAsLoudAsTheArrowsUpAndDownMakeIt)
+{
+    HeardMovie movie("mpeg1.mpg");
+    movie.page.OpenAll();
+    movie.page.ClickPlay();
+    const auto press = [&](char arrow, int times) {
+        for (int i = 0; i < times; ++i) {
+            EXPECT_TRUE(movie.page.Key(arrow));
+        }
+        movie.Run(100'000);
+        return movie.volumes.empty() ? -1 : movie.volumes.back();
+    };
+    EXPECT_EQ(press(kDownArrowCharCode, 3), 160);
+    EXPECT_EQ(press(kUpArrowCharCode, 1), 192);
+    EXPECT_EQ(press(kDownArrowCharCode, 20), 0);
+    EXPECT_EQ(press(kUpArrowCharCode, 20), 256);
+}
+
 } // namespace
