@@ -2,6 +2,7 @@
 //
 // The window where there is no X server: a Wayland compositor, whose own screen is a hidden one.
 #include "tests/viewer/window/RunningWindow.h"
+#include "tests/viewer/window/ShownPage.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -83,23 +84,13 @@ bool ShowsMovie(const Screenshot& shot)
     return (shot.At(46, 166) & 0xFF00FF) >= 0xE00000;
 }
 
-// A row of the movie through the number of its picture.
-std::vector<int> NumberShown(const Screenshot& shot)
-{
-    std::vector<int> pixels;
-    for (int x = 16; x < 116; ++x) {
-        pixels.push_back(shot.At(x, 43));
-    }
-    return pixels;
-}
-
 TEST(Wayland, AMoviePlaysInAWindow)
 {
     if (!WaylandScreen::IsPossible()) {
         GTEST_SKIP() << "weston, Xvfb, xdotool or import is missing";
     }
     const WaylandScreen screen;
-    RunningWindow window(screen, {"--play", std::string(VORN_CLIPS) + "/mpeg1.mpg"});
+    RunningWindow window(screen, {"--play", Clip("mpeg1.mpg")});
     ASSERT_TRUE(window.WaitUntil(ShowsMovie));
     const std::vector<int> first = NumberShown(window.Look());
     EXPECT_TRUE(

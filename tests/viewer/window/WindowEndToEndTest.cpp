@@ -2,6 +2,7 @@
 //
 // What a user sees and does, in a real X server.
 #include "tests/viewer/window/RunningWindow.h"
+#include "tests/viewer/window/ShownPage.h"
 #include "toolbox/Types.h"
 
 #include <gmock/gmock.h>
@@ -26,18 +27,11 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 // Where the first object of a page stands: a movie of 352 by 240.
-constexpr int kMargin = 16;
 constexpr int kBarMiddle = kMargin + 240 + 8;
 constexpr int kPlayButton = kMargin + 24;
-constexpr int kBackground = 0xF4F4F4;
 constexpr int kFocusColor = 0x4A7CBE;
 constexpr int kThumbColor = 0x335599;
 constexpr int kNoticeColor = 0x2B3038;
-
-std::string Clip(const std::string& name)
-{
-    return std::string(VORN_CLIPS) + "/" + name;
-}
 
 std::string ReadFile(const std::string& path)
 {
@@ -55,16 +49,6 @@ bool ShowsMovie(const Screenshot& shot)
 {
     return (shot.At(kMargin + 30, kMargin + 150) & 0xFFFF) < 0x2020 && ShowsPicture(shot) &&
            shot.At(kMargin + 1, kBarMiddle) == 0xDDDDDD;
-}
-
-// The part of the picture in which the number of the picture stands.
-std::vector<int> NumberShown(const Screenshot& shot)
-{
-    std::vector<int> pixels;
-    for (int x = 0; x < 100; ++x) {
-        pixels.push_back(shot.At(kMargin + x, kMargin + 27));
-    }
-    return pixels;
 }
 
 std::string At(int x, int y)

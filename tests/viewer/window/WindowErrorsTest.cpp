@@ -2,6 +2,7 @@
 //
 // What a user sees of objects that cannot be shown, in a real X server.
 #include "tests/viewer/window/RunningWindow.h"
+#include "tests/viewer/window/ShownPage.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,7 +14,6 @@ namespace
 
 using testing::HasSubstr;
 
-constexpr int kMargin = 16;
 constexpr int kSecondLeft = kMargin + 176 + 20;
 constexpr int kErrorInk = 0xA03A32;
 

@@ -3,6 +3,7 @@
 // An e-mail as its reader sees it, in a real X server.
 #include "tests/viewer/Base64.h"
 #include "tests/viewer/window/RunningWindow.h"
+#include "tests/viewer/window/ShownPage.h"
 #include "viewer/text/TextPainter.h"
 
 #include <gtest/gtest.h>
@@ -14,13 +15,11 @@
 namespace
 {
 
-constexpr int kMargin = 16;
 constexpr int kPictureWidth = 240;
 constexpr int kPictureHeight = 150;
 constexpr int kCaption = 40;
 constexpr int kScrollStep = 48;
 constexpr int kPicture = 0xC81E1E;
-constexpr int kBackground = 0xF4F4F4;
 
 std::string MakeRedPng()
 {

@@ -2,6 +2,7 @@
 //
 // How large a window is, and what has it for itself, in a real X server.
 #include "tests/viewer/window/RunningWindow.h"
+#include "tests/viewer/window/ShownPage.h"
 #include "toolbox/Types.h"
 
 #include <gtest/gtest.h>
@@ -12,15 +13,8 @@
 namespace
 {
 
-constexpr int kMargin = 16;
 constexpr int kCaption = 40;
 constexpr int kControllerRows = 17;
-constexpr int kBackground = 0xF4F4F4;
-
-std::string Clip(const std::string& name)
-{
-    return std::string(VORN_CLIPS) + "/" + name;
-}
 
 class WindowSize : public testing::Test
 {
